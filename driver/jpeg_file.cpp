@@ -1,0 +1,99 @@
+#include "driver/jpeg_file.h"
+
+#include <csetjmp>
+#include <type_traits>
+#include <vector>
+
+#include <jpeglib.h>
+
+namespace {
+
+static_assert(s_MaxJPEGSide == JPEG_MAX_DIMENSION);
+
+// All that the steps touch. libjpeg leaves a step by longjmp, past any destructor: plain data only.
+struct Compression {
+  jpeg_compress_struct compressor;
+  jpeg_error_mgr errors;
+  std::jmp_buf failed;
+  char message[JMSG_LENGTH_MAX];
+  RawPicture picture;
+  std::FILE* file;
+  unsigned char* row;
+};
+static_assert(std::is_trivial_v<Compression>);
+
+[[noreturn]] void OnError(j_common_ptr info) {
+  auto* compression = static_cast<Compression*>(info->client_data);
+  info->err->format_message(info, compression->message);
+  std::longjmp(compression->failed, 1);
+}
+
+void OnMessage(j_common_ptr, int) {}
+
+void OnOutput(j_common_ptr) {}
+
+void Create(Compression& c) {
+  c.compressor.err = jpeg_std_error(&c.errors);
+  c.compressor.client_data = &c;
+  c.errors.error_exit = &OnError;
+  c.errors.emit_message = &OnMessage;
+  c.errors.output_message = &OnOutput;
+  jpeg_create_compress(&c.compressor);
+}
+
+void Start(Compression& c) {
+  jpeg_stdio_dest(&c.compressor, c.file);
+  c.compressor.image_width = c.picture.width;
+  c.compressor.image_height = c.picture.height;
+  c.compressor.input_components = 3;
+  c.compressor.in_color_space = JCS_RGB;
+  jpeg_set_defaults(&c.compressor);
+  jpeg_set_quality(&c.compressor, 75, TRUE);
+  jpeg_start_compress(&c.compressor, TRUE);
+}
+
+void WriteRows(Compression& c) {
+  const std::size_t rowLength = c.picture.width * c.picture.layout.bytesPerPixel;
+  while (c.compressor.next_scanline < c.compressor.image_height) {
+    c.picture.layout.unpack(c.picture.pixels + c.compressor.next_scanline * rowLength, c.row,
+                            c.picture.width);
+    jpeg_write_scanlines(&c.compressor, &c.row, 1);
+  }
+  jpeg_finish_compress(&c.compressor);
+}
+
+// False when libjpeg failed in the step.
+bool Attempt(Compression& compression, void (*step)(Compression&)) noexcept {
+  if (setjmp(compression.failed) != 0) return false;
+  step(compression);
+  return true;
+}
+
+struct Destroyer {
+  void operator()(jpeg_compress_struct* compressor) const { jpeg_destroy_compress(compressor); }
+};
+
+}  // namespace
+
+bool WriteJPEGFile(const std::string& path, const RawPicture& picture, std::string& fault) {
+  std::vector<unsigned char> row;
+  Compression compression{};
+  compression.picture = picture;
+  bool done = Attempt(compression, &Create);
+  const std::unique_ptr<jpeg_compress_struct, Destroyer> compressor(&compression.compressor);
+
+  FilePtr file;
+  if (done) {
+    file.reset(std::fopen(path.c_str(), "wb"));
+    if (!file) return false;
+    compression.file = file.get();
+    done = Attempt(compression, &Start);
+  }
+  if (done) {
+    row.resize(std::size_t{3} * picture.width);
+    compression.row = row.data();
+    done = Attempt(compression, &WriteRows);
+  }
+  if (!done) fault = compression.message;
+  return true;
+}

@@ -1,0 +1,104 @@
+#include <utility>
+
+#include "driver/media.h"
+#include "host/TqXML.h"
+
+void media::AddValues(TqXML::INode& node, std::initializer_list<NamedValue> values) {
+  for (const NamedValue& value : values) node.AddNamedValue(value.name, value.value);
+}
+
+void media::SendToUI(const char* document, std::initializer_list<NamedValue> values) {
+  if (const auto node = TqXML::CreateXmlNode(document, "")) {
+    AddValues(*node, values);
+    ConSendDataToUI(*node);
+  }
+}
+
+void media::OnNtfPlayStatusChanged(const IBindMessage& msg) {
+  static constexpr const char* events[] = {"Playing", "Stopped", "Paused"};
+  std::string value = msg.GetParamValue("play_status");
+  if (value != m_PlayStatus) {
+    m_PlayStatus = std::move(value);
+    const auto event = std::find(std::begin(events), std::end(events), m_PlayStatus);
+    if (event != std::end(events)) FireEvent(static_cast<unsigned long>(event - events));
+    ChangeMyVariable(s_PlayStatusVariable, m_PlayStatus);
+  }
+  SendDataToUISimple("play_status", m_PlayStatus);
+}
+
+void media::OnNtfOnlineStatusChanged(const IBindMessage& msg) {
+  std::string value = msg.GetParamValue("online_status");
+  if (value != m_OnlineStatus) {
+    m_OnlineStatus = std::move(value);
+    ChangeMyVariable(s_OnlineStatusVariable, m_OnlineStatus);
+  }
+  SendDataToUISimple("online_status", m_OnlineStatus);
+}
+
+tq::auto_com<TqXML::INode> media::OnGetPlayStatus(const ICmdMessage&) {
+  return TqXML::CreateXmlNode("play_status", m_PlayStatus);
+}
+
+// The answer, like the settings report, says "online" where the notification says "online_status".
+tq::auto_com<TqXML::INode> media::OnGetOnlineStatus(const ICmdMessage&) {
+  return TqXML::CreateXmlNode("online", m_OnlineStatus);
+}
+
+void media::KeepModesList(const IBindMessage& msg, const char* document, const std::string& name,
+                          FlexMode& list) {
+  list.SetModesList(msg.GetParamValue(name));
+  SendToUI(document, {{name.c_str(), list.GetModesList()}});
+}
+
+void media::OnNtfSetShuffleModes(const IBindMessage& msg) {
+  KeepModesList(msg, "SHUFFLE_MODES_CHANGED", s_ShuffleModesCapStr, m_ShuffleModes);
+}
+
+void media::OnNtfSetRepeatModes(const IBindMessage& msg) {
+  KeepModesList(msg, "REPEAT_MODES_CHANGED", s_RepeatModesCapStr, m_RepeatModes);
+}
+
+void media::OnNtfSetMediaLabels(const IBindMessage& msg) {
+  KeepModesList(msg, "MEDIA_LABELS_CHANGED", s_MediaLabelsCapStr, m_MediaLabels);
+}
+
+tq::auto_com<TqXML::INode> media::OnGetShuffleModes(const ICmdMessage&) {
+  return TqXML::CreateXmlNode(s_ShuffleModesCapStr, m_ShuffleModes.GetModesList());
+}
+
+tq::auto_com<TqXML::INode> media::OnGetRepeatModes(const ICmdMessage&) {
+  return TqXML::CreateXmlNode(s_RepeatModesCapStr, m_RepeatModes.GetModesList());
+}
+
+void media::KeepMode(const IBindMessage& msg, const char* document, const char* name,
+                     std::string& field) {
+  field = msg.GetParamValue(name);
+  SendToUI(document, {{name, field}});
+}
+
+void media::OnNtfShuffleChanged(const IBindMessage& msg) {
+  KeepMode(msg, "SHUFFLE_CHANGED", "shuffle_mode", m_ShuffleMode);
+}
+
+void media::OnNtfRepeatChanged(const IBindMessage& msg) {
+  KeepMode(msg, "REPEAT_CHANGED", "repeat_mode", m_RepeatMode);
+}
+
+void media::KeepTwo(const IBindMessage& msg, const char* document, const KeptValue& first,
+                    const KeptValue& second) {
+  std::string firstText = msg.GetParamText(first.parameter);
+  std::string secondText = msg.GetParamText(second.parameter);
+  first.field = std::move(firstText);
+  second.field = std::move(secondText);
+  SendToUI(document, {{first.name, first.field}, {second.name, second.field}});
+}
+
+void media::OnNtfPlayTimeChanged(const IBindMessage& msg) {
+  KeepTwo(msg, "PLAY_TIME_CHANGED", {"elapsed", m_Elapsed, "elapsed"},
+          {"remaining", m_Remaining, "remaining"});
+}
+
+void media::OnNtfQueueProgressChanged(const IBindMessage& msg) {
+  KeepTwo(msg, "QUEUE_PROGRESS_CHANGED", {"current", m_CurrentSong, "current_song"},
+          {"total", m_TotalSongs, "total_songs"});
+}

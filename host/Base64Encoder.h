@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+#include "host/HostApi.h"
+
+class HOST_API Base64Encoder {
+ public:
+  Base64Encoder();
+  virtual ~Base64Encoder();
+
+  // The bytes that base64 text (RFC 4648, section 4) stands for; empty when the text is not valid.
+  std::string Base64Decode(const std::string& text);
+};

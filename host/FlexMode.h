@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+
+#include "host/HostApi.h"
+
+// Holds a list of modes, given and returned as comma-separated text.
+class HOST_API FlexMode {
+ public:
+  FlexMode();
+  virtual ~FlexMode();
+
+  // Replaces the list.
+  void SetModesList(const std::string& list);
+
+  // The list as last set. Valid until the next SetModesList.
+  const std::string& GetModesList() const;
+
+ private:
+  std::string m_List;
+};

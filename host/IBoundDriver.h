@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+
+#include "host/HostApi.h"
+#include "host/IBindMessage.h"
+#include "host/ICmdReturn.h"
+#include "host/ITqObject.h"
+#include "host/TqTypes.h"
+
+// A driver as the other end of its bindings sees it; the head of a driver's primary table.
+class HOST_API IBoundDriver : public ITqObject {
+ public:
+  // A message from the other end of a binding; both are borrowed, `ret` may be null.
+  virtual void BoundCall(unsigned long bindingId, BindingType type, const std::string& className,
+                         const IBindMessage& msg, ICmdReturn* ret) = 0;
+
+  // A binding has been made or broken.
+  virtual void OnBindingChanged(unsigned long bindingId, const std::string& className,
+                                bool bound) = 0;
+
+ protected:
+  ~IBoundDriver() = default;
+};

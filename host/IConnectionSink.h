@@ -1,0 +1,18 @@
+#pragma once
+
+#include "host/HostApi.h"
+#include "host/ITqObject.h"
+#include "host/TqTypes.h"
+
+// Receives what comes over a driver's own connections. A proxy driver has none.
+class HOST_API IConnectionSink : public ITqObject {
+ public:
+  virtual void OnConnectionStatusChanged(unsigned long connectionId, int port, OStatus status) = 0;
+  virtual void OnDataIn(unsigned long connectionId, int port, const unsigned char* data,
+                        unsigned int size) = 0;
+  virtual void OnPoll(unsigned long connectionId, int port) = 0;
+  virtual void OnNetworkBound(unsigned long connectionId, long address) = 0;
+
+ protected:
+  ~IConnectionSink() = default;
+};

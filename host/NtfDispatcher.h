@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+
+#include <boost/function.hpp>
+
+#include "host/HandlerTable.h"
+#include "host/HostApi.h"
+#include "host/IBindMessage.h"
+
+// Delivers the bound device's notifications by name.
+class HOST_API NtfDispatcher {
+ public:
+  using Handler = boost::function<void(const IBindMessage&)>;
+
+  // Names are compared byte for byte; registering a name again replaces its handler. The dispatcher
+  // keeps a copy of the handler for the life of the driver.
+  void RegisterNtf(const std::string& name, Handler handler);
+
+  // `handler` receives each notification whose name has no handler.
+  void RegisterDefaultNtf(Handler handler);
+
+  // The handler for that name, else the default one; null when there is neither.
+  const Handler* Find(const std::string& name) const;
+
+ private:
+  HandlerTable<Handler> m_Handlers;
+  Handler m_Default;
+};

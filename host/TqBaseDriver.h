@@ -1,0 +1,171 @@
+#pragma once
+
+#include <string>
+
+#include "host/HostApi.h"
+#include "host/IBindMessage.h"
+#include "host/IBoundDriver.h"
+#include "host/ICmdMessage.h"
+#include "host/ICmdReturn.h"
+#include "host/IConnectionSink.h"
+#include "host/IDeviceCommon.h"
+#include "host/IDriver.h"
+#include "host/IEventSink.h"
+#include "host/IInstanceManager.h"
+#include "host/INetworkBindingSink.h"
+#include "host/INode.h"
+#include "host/ITimerSink.h"
+#include "host/IVariableSink.h"
+#include "host/TqTypes.h"
+#include "host/UICmdDispatcher.h"
+#include "host/auto_com.h"
+
+// The base of all drivers. The host binary calls through the eight tables by slot number: the order
+// of the bases and of the virtual operations is part of the interface. Each operation stands once
+// in the primary table, and again in the table of every interface that declares it.
+class HOST_API TqBaseDriver : public IBoundDriver,
+                              public IConnectionSink,
+                              public IDeviceCommon,
+                              public IDriver,
+                              public IEventSink,
+                              public INetworkBindingSink,
+                              public ITimerSink,
+                              public IVariableSink {
+ public:
+  TqBaseDriver(const TqBaseDriver&) = delete;
+  TqBaseDriver& operator=(const TqBaseDriver&) = delete;
+
+  unsigned long AddRef() override;
+  unsigned long Release() override;
+  bool QueryInterface(const std::string& name, void** out) override;
+
+  virtual ~TqBaseDriver();
+
+  virtual unsigned long GetRoomId() const;
+  unsigned long GetDeviceId() const override;
+  const std::string& GetDeviceName() const override;
+  unsigned long GetDeviceType() const override;
+  const std::string* GetDeviceRoomNameAddr() const override;
+  const unsigned long* GetDeviceStateAddr() const override;
+  virtual void SetRoomName();
+  virtual void HaveBeenIdentified();
+  void LateInitialize() override;
+  DriverMultiplicity GetMultiplicity() override;
+  long Initialize(unsigned long id, TqXML::INode& config, TqXML::INode* state) override;
+  void OnDriverAdded() override;
+  void OnDestroy() override;
+  void RemovedFromProject() override;
+  void OnAVRoomOff(unsigned long roomId) override;
+  tq::auto_com<TqXML::INode> GetIdentifyStrings() override;
+  const std::string& GetModel() override;
+  const std::string& GetControlTag() const override;
+  const std::string& GetStringNameDriver() const override;
+  const std::string& GetStringNameProxy() const override;
+  void OnDriverNameChanged(const std::string& name) override;
+  tq::auto_com<TqXML::INode> GetCapabilities(unsigned long id) override;
+  tq::auto_com<TqXML::INode> GetPersistState(unsigned long id) override;
+  tq::auto_com<TqXML::INode> GetEvents() override;
+  void ExecuteCommand(const ICmdMessage& command, ICmdReturn* ret,
+                      unsigned long flags) override = 0;
+  tq::auto_com<TqXML::INode> GetInitializeData(unsigned long id) override;
+  bool TestCondition(const ICondMessage& condition, unsigned long* result) override = 0;
+  tq::auto_com<TqXML::INode> UIRequest(const ICmdMessage& request) override;
+  void OnAVSelected(const AVParams& params, const AV_Class& source, const AV_Class& sink,
+                    const AVLocationInfo& location, const AVDriverLocationInfo* driverInfo,
+                    AVReturn& ret) override;
+  void OnAVReSelected(const AVParams& params, const AV_Class& source, const AV_Class& sink,
+                      const AVLocationInfo& location, const AVDriverLocationInfo* driverInfo,
+                      AVReturn& ret) override;
+  void OnAVDeselected(const AVParams& params, const AV_Class& source,
+                      const AV_Class& sink) override;
+  void OnAVAddLocationInfo(const AVParams& params, const AV_Class& source, const AV_Class& sink,
+                           AVLocationInfo& location, AVDriverLocationInfo** driverInfo) override;
+  bool IsAVOutputToInputValid(const AVParams& params, const AV_Class& source,
+                              const AV_Class& sink) override;
+  bool IsAVMultiSelect(const AVParams& params, const AV_Class& source,
+                       const AV_Class& sink) override;
+  bool IsAVSourceAvailable(const AVParams& params, const AV_Class& source,
+                           const AV_Class& sink) override;
+  unsigned long GetDriverType() const override;
+  IDeviceCommon* GetDeviceCommon() override;
+  IDeviceIP* GetDeviceIP() override;
+  void OnRoomNameChanged(const std::string& roomName) override;
+  tq::auto_com<TqXML::INode> GetDeviceBindingInfo(unsigned long bindingId) override;
+  std::string GetEventLabel(unsigned long eventId) const override;
+
+  // Creates a state variable; the meaning of the last three arguments is the host's.
+  virtual void VmAdd(unsigned long id, const std::string& name, TqTypes::VariableType type,
+                     const std::string& value, long, long, const std::string&) = 0;
+  // Removes a state variable; an id that was never added is no error.
+  virtual void VmRemove(unsigned long id) = 0;
+
+  void OnVariableChanged(unsigned long deviceId, unsigned long variableId,
+                         const std::string& value) override;
+  void OnConnectionStatusChanged(unsigned long connectionId, int port, OStatus status) override;
+  void OnDataIn(unsigned long connectionId, int port, const unsigned char* data,
+                unsigned int size) override;
+  virtual void OnDataIn(unsigned long connectionId, int port, const ITqProtocolPacket& packet);
+  void OnPoll(unsigned long connectionId, int port) override;
+  void OnNetworkBound(unsigned long connectionId, long address) override;
+  void OnEventFired(unsigned long driverId, unsigned long eventId) override;
+  void OnTimerExpired(unsigned long timerId, long data) override;
+  void OnNetworkBindingChanged(unsigned long bindingId, bool bound) override;
+
+  // A notification from the bound device.
+  virtual void HandleNotification(const IBindMessage& msg) = 0;
+
+  // The driver's own constructor calls the first three; the host calls RegisterVariables, once for
+  // a driver; the driver's destructor calls UnregisterVariables, also when the host never called.
+  virtual void RegisterCommands() = 0;
+  virtual void RegisterNotifications() = 0;
+  virtual void RegisterConditionals() = 0;
+  virtual void RegisterVariables() = 0;
+  virtual void UnregisterVariables() = 0;
+
+ protected:
+  // `im` is kept for the life of the driver.
+  TqBaseDriver(IInstanceManager& im, DriverMultiplicity multiplicity);
+
+  // Sends an element with all its values and children to the user interfaces. It is borrowed and
+  // may be changed or released afterwards.
+  void ConSendDataToUI(const TqXML::INode& node);
+
+  // Sends one named value to the user interfaces.
+  void SendDataToUISimple(const std::string& name, const std::string& value);
+
+  // Sends a command, which is borrowed, to the host's rooms.
+  void SendCommandToRooms(const ICmdMessage& command);
+
+  // Sends a message, which is borrowed, over a binding; the bound device answers into `ret`, which
+  // may be null.
+  void SendBoundCall(unsigned long bindingId, const IBindMessage& msg, ICmdReturn* ret) const;
+
+  // Fires an event of this driver.
+  void FireEvent(unsigned long eventId);
+
+  // Sets a state variable of this driver.
+  void ChangeMyVariable(unsigned long variableId, const std::string& value);
+
+  // A new message with the command's name and parameters and one reference, the caller's; null when
+  // the host cannot make one.
+  IBindMessage* CreateBindMessage(const ICmdMessage& command) const;
+
+  // Commands with one reference for the caller. Empty when the text is no command, or when the host
+  // cannot make one.
+  tq::auto_com<ICmdMessage> CreateCommandMessageFromXml(const std::string& xml) const;
+  tq::auto_com<ICmdMessage> CreateCommandMessageFromName(const std::string& name) const;
+
+  // What the bound device states. Where it states nothing, both return false and leave the second
+  // argument as it is.
+  bool ExtractCapability(const std::string& name, std::string& value) const;
+  bool ExtractCapability(const std::string& name, bool& flag) const;
+
+  IInstanceManager& m_InstanceManager;
+  UICmdDispatcher m_UICmdDispatcher;
+
+ private:
+  unsigned long m_References = 1;
+  DriverMultiplicity m_Multiplicity;
+  bool m_Initialized = false;
+  unsigned long m_DeviceId = 0;
+};

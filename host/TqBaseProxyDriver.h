@@ -1,0 +1,44 @@
+#pragma once
+
+#include <string>
+
+#include "host/CmdDispatcher.h"
+#include "host/HostApi.h"
+#include "host/IRoomOutputs.h"
+#include "host/NtfDispatcher.h"
+#include "host/TqBaseDriver.h"
+
+// The base of drivers that stand between one bound device and the user interfaces. It hands
+// notifications, commands and requests to the dispatchers, in which the driver has registered its
+// handlers.
+class HOST_API TqBaseProxyDriver : public TqBaseDriver {
+ public:
+  ~TqBaseProxyDriver() override;
+
+  void BoundCall(unsigned long bindingId, BindingType type, const std::string& className,
+                 const IBindMessage& msg, ICmdReturn* ret) override;
+  void OnBindingChanged(unsigned long bindingId, const std::string& className, bool bound) override;
+
+  // A command without a handler goes on to the bound device, its parameters unchanged.
+  void ExecuteCommand(const ICmdMessage& command, ICmdReturn* ret, unsigned long flags) override;
+
+  bool TestCondition(const ICondMessage& condition, unsigned long* result) override;
+  void VmAdd(unsigned long id, const std::string& name, TqTypes::VariableType type,
+             const std::string& value, long, long, const std::string&) override;
+  void VmRemove(unsigned long id) override;
+
+  void HandleNotification(const IBindMessage& msg) override;
+
+ protected:
+  // `bindingId` is the binding to the bound device.
+  TqBaseProxyDriver(IInstanceManager& im, unsigned long bindingId, DriverMultiplicity multiplicity);
+
+  NtfDispatcher m_NtfDispatcher;
+  CmdDispatcher m_CmdDispatcher;
+
+  // Never null; lives as long as the instance manager.
+  IRoomOutputs* const m_RoomOutputs;
+
+ private:
+  const unsigned long m_BindingId;
+};

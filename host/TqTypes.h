@@ -1,0 +1,22 @@
+#pragma once
+
+namespace TqTypes {
+
+// The types of a state variable, by the host's code.
+enum class VariableType : int { Text = 1 };
+
+}  // namespace TqTypes
+
+enum class DriverMultiplicity : int { One = 1 };
+
+// Types that drivers only hand through.
+enum class BindingType : int;
+enum class OStatus : int;
+class AVParams;
+class AVReturn;
+class AV_Class;
+class ICondMessage;
+class IDeviceIP;
+class ITqProtocolPacket;
+struct AVDriverLocationInfo;
+struct AVLocationInfo;

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+
+#include <boost/function.hpp>
+
+#include "host/HandlerTable.h"
+#include "host/HostApi.h"
+#include "host/ICmdMessage.h"
+#include "host/INode.h"
+#include "host/auto_com.h"
+
+// Delivers user-interface requests by name. The node that a handler returns is the answer; its
+// reference passes to the host. An empty holder is no answer.
+class HOST_API UICmdDispatcher {
+ public:
+  using Handler = boost::function<tq::auto_com<TqXML::INode>(const ICmdMessage&)>;
+
+  // As NtfDispatcher::RegisterNtf.
+  void RegisterUICmd(const std::string& name, Handler handler);
+
+  // The handler for that name, or null.
+  const Handler* Find(const std::string& name) const;
+
+ private:
+  HandlerTable<Handler> m_Handlers;
+};

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <string>
+
+#include "host/ICmdMessage.h"
+#include "standin/Counted.h"
+
+namespace standin {
+
+class CmdMessage final : public Counted<CmdMessage, ICmdMessage> {
+ public:
+  CmdMessage(std::string name, Params params);
+
+  const std::string& Name() const { return m_Name; }
+  const Params& Parameters() const { return m_Params; }
+
+  tq::auto_com<ICmdMessage> Clone() const override;
+  void AddParamText(const std::string& name, const std::string& type,
+                    const std::string& value) override;
+  void AddParamNumber(const std::string& name, const std::string& type,
+                      unsigned long value) override;
+  bool HasParam(const std::string& name) const override;
+  unsigned long GetParamNumber(const std::string& name) const override;
+
+ private:
+  ~CmdMessage() = default;
+  friend class Counted<CmdMessage, ICmdMessage>;
+
+  const std::string m_Name;
+  Params m_Params;
+};
+
+// The first parameter of that name, or null.
+const Param* FindParam(const Params& params, const std::string& name);
+
+// A command as XML text: <command name="RESET"><param name="ROOM_ID"
+// type="INTEGER">5</param></command>
+std::string CommandXml(const std::string& name, const Params& params);
+
+// The command that such a text stands for; empty when it does not parse or is none.
+tq::auto_com<ICmdMessage> ReadCommand(const std::string& xml);
+
+}  // namespace standin

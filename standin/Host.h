@@ -1,0 +1,149 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/HostApi.h"
+#include "host/IBindMessage.h"
+#include "host/ICmdMessage.h"
+#include "host/ICmdReturn.h"
+#include "host/IDriver.h"
+#include "host/TqBaseProxyDriver.h"
+#include "host/auto_com.h"
+
+// A stand-in for the controller's driver host: it loads a plug-in, delivers messages to its driver
+// and tells an observer what comes out. Everything runs on the caller's thread. Texts are bytes;
+// XML that leaves the stand-in is well-formed XML 1.0 in UTF-8.
+namespace standin {
+
+struct Param {
+  std::string name;
+  std::string value;
+  std::string type = "STRING";
+};
+using Params = std::vector<Param>;
+
+// Hears what a driver sends out, in the order in which it happens, from inside the call that causes
+// it. Everything is borrowed for the call. What an observer throws passes through the driver.
+class HOST_API Observer {
+ public:
+  enum class Change { Added, Changed, Removed };
+
+  virtual ~Observer();
+
+  // `value` is the one that the variable has then; for a removed one, the last.
+  virtual void OnVariable(Change change, unsigned long id, const std::string& name,
+                          const std::string& value) = 0;
+  virtual void OnEvent(unsigned long id) = 0;
+  virtual void OnUi(const std::string& xml) = 0;
+  virtual void OnRooms(const std::string& command, const Params& params) = 0;
+  virtual void OnDevice(unsigned long binding, const std::string& command, const Params& params,
+                        const ICmdReturn* ret) = 0;
+  // `xml` is null when nobody answered.
+  virtual void OnAnswer(const std::string& request, const std::string* xml) = 0;
+  // `xml` is null when the driver gave no state.
+  virtual void OnState(const std::string* xml) = 0;
+  virtual void OnLog(unsigned int level, const std::string& text) = 0;
+};
+
+// A loaded plug-in. Outlives the hosts that use it.
+class HOST_API Plugin {
+ public:
+  // Throws std::runtime_error, whose text says why, when the file cannot be loaded, needs a symbol
+  // that nobody has, or exports no GetCreationFunc.
+  explicit Plugin(const std::string& file);
+  ~Plugin();
+  Plugin(const Plugin&) = delete;
+  Plugin& operator=(const Plugin&) = delete;
+
+  CreationFunc GetCreationFunc() const;
+
+ private:
+  void* m_Library;
+  CreationFunc (*m_Entry)();
+};
+
+// The messages to deliver; one may be delivered any number of times. A notification's parameters
+// take no type. Each has one reference, the caller's.
+HOST_API tq::auto_com<IBindMessage> MakeNotification(const std::string& name, Params params);
+// `xml` is the whole message: the children of its root are the parameters, and a root `command`
+// with an attribute `name` makes it a message that carries that command. Text that does not parse
+// makes a message without either.
+HOST_API tq::auto_com<IBindMessage> MakeNotificationFromXml(const std::string& name,
+                                                            std::string xml);
+HOST_API tq::auto_com<ICmdMessage> MakeCommand(const std::string& name, Params params);
+
+// How many host objects are in somebody's hands, by kind, in the whole process.
+struct Ledger {
+  std::size_t nodes;
+  std::size_t documents;
+  std::size_t commandMessages;
+  std::size_t bindMessages;
+
+  bool Empty() const { return nodes + documents + commandMessages + bindMessages == 0; }
+};
+HOST_API Ledger GetLedger();
+
+// The host's factories, for tests that make them yield nothing.
+enum class Factory : unsigned { Node, Document, CommandMessage, Clone, BindMessage };
+
+class Services;
+
+// The part of a driver host that serves one driver. Calls into the driver let the driver's
+// exceptions through. After Destroy, no operation but the destructor may be called.
+class HOST_API Host {
+ public:
+  // Creates the driver, not yet initialized. `imageRoot` is what the path service answers, with its
+  // separator at the end; without it the host has no path service. `plugin` and `observer` are
+  // borrowed and outlive the host.
+  Host(const Plugin& plugin, Observer& observer, std::optional<std::string> imageRoot);
+  ~Host();
+  Host(const Host&) = delete;
+  Host& operator=(const Host&) = delete;
+
+  // Returns 0, or 1 for a driver that was initialized before.
+  long Initialize(unsigned long id);
+
+  // The bound device sends a notification.
+  void Notify(const IBindMessage& notification);
+
+  // Executes a command. `ret` may be null.
+  void Execute(const ICmdMessage& command, ICmdReturn* ret = nullptr);
+
+  // Makes a user-interface request.
+  void Request(const ICmdMessage& request);
+
+  // Makes a binding to a device that from now on states these capabilities, and breaks it.
+  void Bind(unsigned long bindingId, const std::string& className,
+            std::map<std::string, std::string> capabilities);
+  void Unbind(unsigned long bindingId, const std::string& className);
+
+  // The outputs that the room-output service answers from now on; 0 for a room not named.
+  void SetRooms(std::map<unsigned long, unsigned long> outputs);
+
+  // Asks for the state to persist.
+  void Persist();
+
+  // Drops the driver's last reference. Nothing when it is gone already.
+  void Destroy();
+
+  // From now on the factory yields an empty holder, or works again.
+  void SetFault(Factory factory, bool fails);
+
+  // What the driver has registered, in that order: "notification NAME", "default notification",
+  // "command NAME", "request NAME".
+  const std::vector<std::string>& Registered() const;
+
+  IDriver& Driver();
+  TqBaseProxyDriver& Object();
+
+ private:
+  std::unique_ptr<Services> m_Services;
+  tq::auto_com<IDriver> m_Driver;
+};
+
+}  // namespace standin

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <bitset>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/IHostPaths.h"
+#include "host/IInstanceManager.h"
+#include "host/IRoomOutputs.h"
+#include "standin/Host.h"
+
+namespace standin {
+
+// What a host keeps for its driver; the base classes reach it through their instance manager.
+class Services : public IInstanceManager, public IHostPaths, public IRoomOutputs {
+ public:
+  struct Variable {
+    std::string name;
+    std::string value;
+  };
+
+  // Makes `services` the current ones for the life of the object.
+  class Scope {
+   public:
+    explicit Scope(Services& services);
+    ~Scope();
+    Scope(const Scope&) = delete;
+    Scope& operator=(const Scope&) = delete;
+
+   private:
+    Services* m_Previous;
+  };
+
+  Services(Observer& observer, std::optional<std::string> imageRoot);
+
+  static Services& Of(IInstanceManager& im);
+
+  // Those of the host that is calling into its driver; null outside such a call.
+  static Services* Current();
+
+  // Whether the current host's factory is to yield nothing.
+  static bool Fails(Factory factory);
+
+  bool GetInstance(const char* guid, void** out) override;
+  const std::string& GetRootPath() override;
+  unsigned long GetOutputForRoom(unsigned long roomId, int kind) override;
+
+  Observer& observer;
+  std::map<std::string, std::string> capabilities;
+  std::map<unsigned long, unsigned long> rooms;
+  std::map<unsigned long, Variable> variables;
+  std::vector<std::string> registered;
+  std::bitset<5> faults;
+
+ private:
+  std::optional<std::string> m_ImageRoot;
+};
+
+}  // namespace standin

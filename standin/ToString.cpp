@@ -1,0 +1,3 @@
+#include "host/ToString.h"
+
+std::string tq::ToString(unsigned long n) { return std::to_string(n); }

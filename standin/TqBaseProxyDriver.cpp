@@ -1,0 +1,54 @@
+#include "host/TqBaseProxyDriver.h"
+
+#include "standin/BindMessage.h"
+#include "standin/CmdMessage.h"
+#include "standin/Services.h"
+
+using standin::BindMessage;
+using standin::CmdMessage;
+using standin::Services;
+using Change = standin::Observer::Change;
+
+TqBaseProxyDriver::TqBaseProxyDriver(IInstanceManager& im, unsigned long bindingId,
+                                     DriverMultiplicity multiplicity)
+    : TqBaseDriver(im, multiplicity), m_RoomOutputs(&Services::Of(im)), m_BindingId(bindingId) {}
+
+TqBaseProxyDriver::~TqBaseProxyDriver() = default;
+
+void TqBaseProxyDriver::BoundCall(unsigned long bindingId, BindingType, const std::string&,
+                                  const IBindMessage& msg, ICmdReturn*) {
+  if (bindingId == m_BindingId) HandleNotification(msg);
+}
+
+void TqBaseProxyDriver::OnBindingChanged(unsigned long, const std::string&, bool) {}
+
+void TqBaseProxyDriver::ExecuteCommand(const ICmdMessage& command, ICmdReturn* ret, unsigned long) {
+  const auto* handler = m_CmdDispatcher.Find(static_cast<const CmdMessage&>(command).Name());
+  if (handler) {
+    (*handler)(command, ret);
+  } else if (const tq::auto_com<IBindMessage> bound{CreateBindMessage(command)}) {
+    SendBoundCall(m_BindingId, *bound, ret);
+  }
+}
+
+bool TqBaseProxyDriver::TestCondition(const ICondMessage&, unsigned long*) { return false; }
+
+void TqBaseProxyDriver::VmAdd(unsigned long id, const std::string& name, TqTypes::VariableType,
+                              const std::string& value, long, long, const std::string&) {
+  auto& services = Services::Of(m_InstanceManager);
+  services.variables.insert_or_assign(id, Services::Variable{name, value});
+  services.observer.OnVariable(Change::Added, id, name, value);
+}
+
+void TqBaseProxyDriver::VmRemove(unsigned long id) {
+  auto& services = Services::Of(m_InstanceManager);
+  const auto removed = services.variables.extract(id);
+  if (removed.empty()) return;
+  services.observer.OnVariable(Change::Removed, id, removed.mapped().name, removed.mapped().value);
+}
+
+void TqBaseProxyDriver::HandleNotification(const IBindMessage& msg) {
+  if (const auto* handler = m_NtfDispatcher.Find(static_cast<const BindMessage&>(msg).Name())) {
+    (*handler)(msg);
+  }
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace standin {
+
+// The root element of an XML text, and what lies directly below it.
+struct XmlContent {
+  struct Element {
+    std::string name;
+    std::vector<std::pair<std::string, std::string>> attributes;
+    std::string text;  // of the element and of all that is below it
+
+    // Empty when the element has no such attribute.
+    std::string Attribute(const std::string& attribute) const;
+  };
+
+  // The root as it stands in the text, readable without the document's declarations: a reference to
+  // an entity of its own has its '&' escaped. The offsets are those of the end of the start tag's
+  // name and attributes, and of the end tag; of the end of the head, both, when it is empty.
+  std::string root;
+  std::size_t nameLength = 0;
+  std::size_t headEnd = 0;
+  std::size_t contentEnd = 0;
+
+  std::vector<Element> elements;  // the root, then its children
+};
+
+// Reads XML 1.0 in UTF-8, whatever encoding it declares. Nothing when it is not well-formed. Reads
+// no external entity; references to the document's own entities stay as they are.
+std::optional<XmlContent> ReadXml(const std::string& xml);
+
+}  // namespace standin
