@@ -15,8 +15,8 @@ Services::Scope::Scope(Services& services) : m_Previous(std::exchange(s_Current,
 
 Services::Scope::~Scope() { s_Current = m_Previous; }
 
-Services::Services(Observer& sink, std::optional<std::string> imageRoot)
-    : observer(sink), m_ImageRoot(std::move(imageRoot)) {}
+Services::Services(Observer& sink, std::optional<std::string> root)
+    : observer(sink), m_ImageRoot(std::move(root)) {}
 
 Services& Services::Of(IInstanceManager& im) { return static_cast<Services&>(im); }
 

@@ -33,7 +33,7 @@ class Services : public IInstanceManager, public IHostPaths, public IRoomOutputs
     Services* m_Previous;
   };
 
-  Services(Observer& observer, std::optional<std::string> imageRoot);
+  Services(Observer& sink, std::optional<std::string> root);
 
   static Services& Of(IInstanceManager& im);
 

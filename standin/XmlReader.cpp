@@ -110,7 +110,7 @@ class Gatherer {
   void EscapeOwnEntities(std::string_view tag) {
     static constexpr std::array<std::string_view, 6> known = {"&amp;",  "&lt;",   "&gt;",
                                                               "&quot;", "&apos;", "&#"};
-    for (auto at = tag.find('&'); at != tag.npos; at = tag.find('&', at + 1)) {
+    for (auto at = tag.find('&'); at != std::string_view::npos; at = tag.find('&', at + 1)) {
       const bool isKnown = std::any_of(known.begin(), known.end(), [&](std::string_view entity) {
         return tag.substr(at, entity.size()) == entity;
       });

@@ -1,0 +1,150 @@
+#include "tests/Bench.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+
+#include <gtest/gtest.h>
+#include <libxml/c14n.h>
+#include <libxml/parser.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string Checked(const std::string& xml) {
+  EXPECT_NE(Canonical(xml), "") << "not well-formed: " << xml;
+  return xml;
+}
+
+std::string Joined(const standin::Params& params) {
+  std::string text;
+  for (const auto& param : params) text += ' ' + param.name + ':' + param.type + '=' + param.value;
+  return text;
+}
+
+}  // namespace
+
+std::vector<std::string> Recorder::Take() { return std::exchange(lines, {}); }
+
+void Recorder::OnVariable(Change change, unsigned long id, const std::string& name, const std::string& value) {
+  static constexpr const char* words[] = {"added", "changed", "removed"};
+  lines.push_back(words[static_cast<int>(change)] + (' ' + std::to_string(id)) + ' ' + name + '=' + value);
+}
+
+void Recorder::OnEvent(unsigned long id) { lines.push_back("event " + std::to_string(id)); }
+
+void Recorder::OnUi(const std::string& xml) { lines.push_back("ui " + Checked(xml)); }
+
+void Recorder::OnRooms(const std::string& command, const standin::Params& params) {
+  for (const auto& param : params) Checked(param.value);
+  lines.push_back("rooms " + command + Joined(params));
+}
+
+void Recorder::OnDevice(unsigned long binding, const std::string& command, const standin::Params& params,
+                        const ICmdReturn* ret) {
+  lastReturn = ret;
+  lines.push_back("device " + std::to_string(binding) + ' ' + command + Joined(params));
+}
+
+void Recorder::OnAnswer(const std::string& request, const std::string* xml) {
+  lines.push_back("answer " + request + ' ' + (xml ? Checked(*xml) : "nothing"));
+}
+
+void Recorder::OnState(const std::string* xml) { lines.push_back("state " + (xml ? Checked(*xml) : "nothing")); }
+
+void Recorder::OnLog(unsigned int level, const std::string& text) {
+  lines.push_back("log " + std::to_string(level) + ' ' + text);
+}
+
+Step Ntf(const std::string& name, const standin::Params& params) {
+  return [=](standin::Host& host) { host.Notify(*standin::MakeNotification(name, params)); };
+}
+
+Step NtfXml(const std::string& name, const std::string& xml) {
+  return [=](standin::Host& host) { host.Notify(*standin::MakeNotificationFromXml(name, xml)); };
+}
+
+Step Cmd(const std::string& name, const standin::Params& params) {
+  return [=](standin::Host& host) { host.Execute(*standin::MakeCommand(name, params)); };
+}
+
+Step Req(const std::string& name) {
+  return [=](standin::Host& host) { host.Request(*standin::MakeCommand(name, {})); };
+}
+
+Step Bind(const std::map<std::string, std::string>& capabilities, unsigned long id) {
+  return [=](standin::Host& host) { host.Bind(id, "PLAYER", capabilities); };
+}
+
+Step Unbind(unsigned long id) {
+  return [=](standin::Host& host) { host.Unbind(id, "PLAYER"); };
+}
+
+Step Fault(standin::Factory factory, bool fails) {
+  return [=](standin::Host& host) { host.SetFault(factory, fails); };
+}
+
+void Check(const std::vector<Case>& cases, const std::vector<Step>& before) {
+  for (const Case& test : cases) {
+    SCOPED_TRACE(test.what);
+    Bench bench;
+    for (const Step& step : before) step(bench.host);
+    bench.recorder.Take();
+    for (const Step& step : test.steps) step(bench.host);
+    EXPECT_EQ(bench.recorder.Take(), test.traffic);
+  }
+}
+
+const standin::Plugin& ThePlugin() {
+  static const standin::Plugin plugin(MEDIA_PLUGIN);
+  return plugin;
+}
+
+Bench::Bench() : root(MakeDirectory() + '/'), host(ThePlugin(), recorder, root) {
+  EXPECT_EQ(host.Initialize(7), 0);
+  recorder.Take();
+}
+
+Bench::~Bench() {
+  host.Destroy();
+  EXPECT_TRUE(standin::GetLedger().Empty());
+  fs::remove_all(root);
+}
+
+std::vector<std::string> Bench::operator()(const Step& step) {
+  step(host);
+  return recorder.Take();
+}
+
+std::optional<std::string> Bench::Picture() const {
+  const std::string file = root + "ipod/7/coverart.jpg";
+  return fs::exists(file) ? std::optional(ReadFile(file)) : std::nullopt;
+}
+
+std::string MakeDirectory() {
+  std::string path = testing::TempDir() + "mediaproxy.XXXXXX";
+  EXPECT_NE(mkdtemp(path.data()), nullptr);
+  return path;
+}
+
+std::string ReadFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  EXPECT_TRUE(file) << path;
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::string Canonical(const std::string& xml) {
+  const std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> document(
+      xmlReadMemory(xml.data(), static_cast<int>(xml.size()), nullptr, "UTF-8",
+                    XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_HUGE),
+      &xmlFreeDoc);
+  if (!document) return {};
+  xmlChar* text = nullptr;
+  const int size = xmlC14NDocDumpMemory(document.get(), nullptr, XML_C14N_1_0, nullptr, 1, &text);
+  std::string canonical(reinterpret_cast<const char*>(text), static_cast<std::size_t>(size));
+  xmlFree(text);
+  return canonical;
+}

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "standin/Host.h"
+
+// Traffic as one line a piece; every document in it has been read by a parser of its own.
+class Recorder : public standin::Observer {
+ public:
+  std::vector<std::string> lines;
+
+  // What came since the last call.
+  std::vector<std::string> Take();
+
+  void OnVariable(Change change, unsigned long id, const std::string& name, const std::string& value) override;
+  void OnEvent(unsigned long id) override;
+  void OnUi(const std::string& xml) override;
+  void OnRooms(const std::string& command, const standin::Params& params) override;
+  void OnDevice(unsigned long binding, const std::string& command, const standin::Params& params,
+                const ICmdReturn* ret) override;
+  void OnAnswer(const std::string& request, const std::string* xml) override;
+  void OnState(const std::string* xml) override;
+  void OnLog(unsigned int level, const std::string& text) override;
+
+  const ICmdReturn* lastReturn = nullptr;
+};
+
+using Step = std::function<void(standin::Host&)>;
+Step Ntf(const std::string& name, const standin::Params& params = {});
+Step NtfXml(const std::string& name, const std::string& xml);
+Step Cmd(const std::string& name, const standin::Params& params = {});
+Step Req(const std::string& name);
+Step Bind(const std::map<std::string, std::string>& capabilities, unsigned long id = 5001);
+Step Unbind(unsigned long id = 5001);
+Step Fault(standin::Factory factory, bool fails = true);
+
+// What steps send out, after those of `before`.
+struct Case {
+  const char* what;
+  std::vector<Step> steps;
+  std::vector<std::string> traffic;
+};
+void Check(const std::vector<Case>& cases, const std::vector<Step>& before = {});
+
+// The plug-in under test, loaded once.
+const standin::Plugin& ThePlugin();
+
+// A driver on the bench with an image root of its own, initialized with id 7.
+class Bench {
+ public:
+  Bench();
+  ~Bench();
+  Bench(const Bench&) = delete;
+  Bench& operator=(const Bench&) = delete;
+
+  // What the step sends out.
+  std::vector<std::string> operator()(const Step& step);
+
+  // The content of the picture below the image root; nothing when there is none.
+  std::optional<std::string> Picture() const;
+
+  const std::string root;
+  Recorder recorder;
+  standin::Host host;
+};
+
+std::string MakeDirectory();
+std::string ReadFile(const std::string& path);
+
+// The canonical form of an XML text by a conforming parser; empty when it is not well-formed.
+std::string Canonical(const std::string& xml);

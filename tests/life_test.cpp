@@ -1,0 +1,160 @@
+#include <climits>
+#include <filesystem>
+#include <fstream>
+
+#include <gtest/gtest.h>
+
+#include "tests/Bench.h"
+
+namespace fs = std::filesystem;
+
+using Lines = std::vector<std::string>;
+
+TEST(Life, RegistersEachNameOnceAndInOrder) {
+  Lines expected;
+  for (const char* name :
+       {"CURRENT_SETTINGS", "UPDATE_MEDIA_INFO", "MEDIA_INFO_CHANGED", "PLAY_STATUS_CHANGED", "ONLINE_STATUS_CHANGED",
+        "PLAY_TIME_CHANGED", "QUEUE_PROGRESS_CHANGED", "SHUFFLE_CHANGED", "REPEAT_CHANGED", "COVERART_PATH_CHANGED",
+        "NEW_COVERART", "SET_SHUFFLE_MODES", "SET_REPEAT_MODES", "SET_MEDIA_LABELS", "NEW_LIST", "ADD_LIST_ITEM",
+        "NEW_MENU", "ADD_MENU_ITEM"}) {
+    expected.push_back(std::string("notification ") + name);
+  }
+  expected.insert(expected.end(), {"default notification", "command QUERY_CURRENT_SETTINGS", "command RESET",
+                                   "request GET_ONLINE_STATUS", "request GET_PLAY_STATUS", "request GET_SHUFFLE_MODES",
+                                   "request GET_REPEAT_MODES"});
+  EXPECT_EQ(Bench().host.Registered(), expected);
+}
+
+TEST(Life, DefaultHandlerExecutesCommandsAndPassesDocumentsOn) {
+  Check({
+      {"plain",
+       {Ntf("VOLUME_CHANGED", {{"volume", "55"}, {"", "a<b"}})},
+       {"ui <VOLUME_CHANGED><volume>55</volume><_>a&lt;b</_></VOLUME_CHANGED>"}},
+      {"not the name of the cover art", {Ntf("NEW_COVER_ART")}, {"ui <NEW_COVER_ART/>"}},
+      {"a document, unchanged",
+       {NtfXml("X", "<?xml version='1.0'?> <a b='1'>\t<!-- c --><d/>&#233;</a >\n")},
+       {"ui <a b='1'>\t<!-- c --><d/>&#233;</a >"}},
+      {"own entities stay unread",
+       {NtfXml("X", "<!DOCTYPE a [<!ENTITY e 'boom'>]><a b='&e;&lt;'>&e;&amp;<c/>&e;</a>")},
+       {"ui <a b='&amp;e;&lt;'>&amp;e;&amp;<c/>&amp;e;</a>"}},
+      {"no document", {NtfXml("X", ""), NtfXml("X", "<a>"), NtfXml("X", "<a/><b/>"), NtfXml("X", "<a>\x01</a>")}, {}},
+      {"a command for the driver",
+       {NtfXml("X",
+               "<command name='RESET'><param name='ROOM_ID' type='INTEGER'>5</param>"
+               "<param name='A'>b<c>d</c></param><other>no</other></command>")},
+       {"device 5001 RESET ROOM_ID:INTEGER=5 A:STRING=bd OUTPUT:INTEGER=0"}},
+      {"a command for the device", {NtfXml("X", "<command name='PLAY'/>")}, {"device 5001 PLAY"}},
+      {"a command without a name is a document",
+       {NtfXml("X", "<command><param name='A'/></command>")},
+       {"ui <command><param name='A'/></command>"}},
+      {"names go before commands",
+       {NtfXml("PLAY_STATUS_CHANGED", "<command name='RESET'><play_status>P</play_status></command>")},
+       {"changed 1000 PLAY_STATUS=P", "ui <play_status>P</play_status>"}},
+  });
+}
+
+TEST(Life, VariablesComeWithInitializeAndGoFirst) {
+  Recorder recorder;
+  standin::Host host(ThePlugin(), recorder, "/proc/");
+  EXPECT_EQ(recorder.Take(), Lines());
+  EXPECT_EQ(host.Initialize(1), 0);
+  EXPECT_EQ(recorder.Take(), (Lines{"added 1000 PLAY_STATUS=0", "added 1001 ONLINE_STATUS=0",
+                                    "log 3 ipod::Initialize: failed to create ipod image directory (/proc/ipod/1)"}));
+  Ntf("PLAY_STATUS_CHANGED", {{"play_status", "Playing"}})(host);
+  recorder.Take();
+  host.Destroy();
+  EXPECT_EQ(recorder.Take(), (Lines{"removed 1000 PLAY_STATUS=Playing", "removed 1001 ONLINE_STATUS=0"}));
+  EXPECT_TRUE(standin::GetLedger().Empty());
+}
+
+TEST(Life, DestroyedBeforeInitializeItRemovesNothing) {
+  Recorder recorder;
+  {
+    const standin::Host one(ThePlugin(), recorder, "/");
+    const standin::Host two(ThePlugin(), recorder, "/");
+    EXPECT_EQ(standin::GetLedger().nodes, 2U);
+  }
+  EXPECT_EQ(recorder.Take(), Lines());
+  EXPECT_TRUE(standin::GetLedger().Empty());
+}
+
+TEST(Life, HoldsItsDocumentWhileTheVariablesGo) {
+  struct : Recorder {
+    void OnVariable(Change, unsigned long, const std::string&, const std::string&) override {
+      EXPECT_EQ(standin::GetLedger().nodes, expected);
+    }
+    std::size_t expected = 2;  // the driver's, and the configuration that Initialize is given
+  } recorder;
+  standin::Host host(ThePlugin(), recorder, "/proc/");
+  host.Initialize(1);
+  recorder.expected = 1;
+}
+
+TEST(Life, ComposesThePathsFromRootAndId) {
+  const std::string root = MakeDirectory();
+  fs::create_directories(root + "/file");
+  std::ofstream(root + "/file/ipod") << "in the way";
+  fs::create_directories(root + "/there/ipod/7");
+  std::ofstream(root + "/there/ipod/8") << "a file";
+  const std::string most = std::to_string(ULONG_MAX);
+  const std::string failed = "log 3 ipod::Initialize: failed to create ipod image directory (" + root;
+  const struct {
+    const char* root;
+    unsigned long id;
+    std::string directory;
+    Lines log;
+  } cases[] = {
+      {"/new/", 0, "/new/ipod/0", {}},
+      {"/new/", 1234567, "/new/ipod/1234567", {}},
+      {"/new/", ULONG_MAX, "/new/ipod/" + most, {}},
+      {"/a/b/c/", 7, "/a/b/c/ipod/7", {}},
+      {"/unended", 7, "/unendedipod/7", {}},
+      {"/there/", 7, "/there/ipod/7", {}},
+      {"/there/", 8, "/there/ipod/8", {}},
+      {"/file/", 7, "/file/ipod/7", {failed + "/file/ipod/7)"}},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.directory);
+    Recorder recorder;
+    standin::Host host(ThePlugin(), recorder, root + test.root);
+    EXPECT_EQ(host.Initialize(test.id), 0);
+    Lines lines = recorder.Take();
+    lines.erase(lines.begin(), lines.begin() + 2);
+    EXPECT_EQ(lines, test.log);
+    Ntf("NEW_COVERART", {{"format", "JPEG"}, {"size", "2"}, {"cover_art", "QUJD"}, {"width", "w"}})(host);
+    EXPECT_EQ(recorder.Take().back(), "ui <NEW_COVER_ART><image_path>ipod/" + std::to_string(test.id) +
+                                          "/coverart.jpg</image_path><width>w</width><height/></NEW_COVER_ART>");
+    if (fs::is_directory(root + test.directory)) {
+      EXPECT_EQ(ReadFile(root + test.directory + "/coverart.jpg"), "AB");
+    }
+  }
+  fs::remove_all(root);
+}
+
+TEST(Life, GoesOnWithoutAPathService) {
+  Recorder recorder;
+  standin::Host host(ThePlugin(), recorder, std::nullopt);
+  EXPECT_EQ(host.Initialize(1), 0);
+  EXPECT_EQ(recorder.Take().back(), "log 3 ipod::Initialize: the host has no path service");
+  Ntf("NEW_COVERART", {{"format", "JPEG"}})(host);
+  EXPECT_EQ(recorder.Take(), (Lines{"log 3 ipod::Write565ToJPEGFile:  failed to create .jpg file ",
+                                    "ui <NEW_COVER_ART><image_path/><width/><height/></NEW_COVER_ART>"}));
+}
+
+TEST(Life, InitializesAgainForAnotherIdAndSaysSo) {
+  Bench bench;
+  EXPECT_EQ(bench.host.Initialize(9), 1);
+  EXPECT_EQ(bench.recorder.Take(), Lines());
+  EXPECT_TRUE(fs::is_directory(bench.root + "ipod/9"));
+}
+
+TEST(Life, PersistsOneEmptyElement) {
+  Recorder recorder;
+  standin::Host host(ThePlugin(), recorder, "/proc/");
+  host.Persist();
+  host.Initialize(3);
+  host.Persist();
+  const Lines lines = recorder.Take();
+  EXPECT_EQ(lines.front(), "state <State/>");
+  EXPECT_EQ(lines.back(), "state <State/>");
+}

@@ -1,0 +1,114 @@
+#include <gtest/gtest.h>
+
+#include "host/Base64Encoder.h"
+#include "host/TqXML.h"
+#include "host/XmlHelper.h"
+#include "tests/Bench.h"
+
+TEST(Node, KeepsTheOrderOfAdding) {
+  const auto node = TqXML::CreateXmlNode("a", "");
+  EXPECT_EQ(node->GetXmlString(), "<a/>");
+  auto* b = XmlHelper::AddChild(*node, "b", "");
+  auto* c = XmlHelper::AddChild(*b, "c", "v");
+  EXPECT_EQ(b->GetXmlString(), "<b><c>v</c></b>");
+  node->AddNamedValue("d", true);
+  EXPECT_EQ(c->GetXmlString(), "<c>v</c>");
+  EXPECT_EQ(node->GetXmlString(), "<a><b><c>v</c></b><d>True</d></a>");
+
+  // Behind an element that others have followed.
+  c->AddNamedValue("e", "1");
+  auto* f = XmlHelper::AddChild(*b, "f", "");
+  f->AddNamedValue("g", "2");
+  XmlHelper::AddChild(*f, "h", "3")->AddNamedValue("i", "");
+  c->AddNamedValue("j", false);
+  f->AddNamedValue("k", "4");
+  auto* l = XmlHelper::AddChild(*node, "l", "");
+  EXPECT_EQ(f->GetXmlString(), "<f><g>2</g><h>3<i/></h><k>4</k></f>");
+  EXPECT_EQ(node->GetXmlString(), "<a><b><c>v<e>1</e><j>False</j></c>" + f->GetXmlString() + "</b><d>True</d><l/></a>");
+  l->AddNamedValue("m", "5");
+  b->AddNamedValue("n", "6");
+  l->AddNamedValue("o", "7");
+  EXPECT_EQ(node->GetXmlString(), "<a><b><c>v<e>1</e><j>False</j></c>" + f->GetXmlString() +
+                                      "<n>6</n></b><d>True</d><l><m>5</m><o>7</o></l></a>");
+
+  const auto document = TqXML::CreateXmlDocument("<r x='&e;' y='&#38;'/>" + std::string());
+  EXPECT_FALSE(document);
+  const auto parsed = TqXML::CreateXmlDocument("<!DOCTYPE r [<!ENTITY e ''>]><r x='&e;' />");
+  parsed->GetRootNode().AddNamedValue("s", "1");
+  XmlHelper::AddChild(parsed->GetRootNode(), "t", "")->AddNamedValue("u", "2");
+  EXPECT_EQ(parsed->GetRootNode().GetXmlString(), "<r x='&amp;e;' ><s>1</s><t><u>2</u></t></r>");
+}
+
+TEST(Node, LivesAsLongAsAReferenceToAnyElement) {
+  tq::auto_com<TqXML::INode> child;
+  {
+    const auto node = TqXML::CreateXmlNode("a", "");
+    auto* element = XmlHelper::AddChild(*node, "b", "x");
+    element->AddRef();
+    child = tq::auto_com<TqXML::INode>(element);
+    const auto copy = child;
+    EXPECT_EQ(copy.get(), child.get());
+  }
+  EXPECT_EQ(child->GetXmlString(), "<b>x</b>");
+  EXPECT_EQ(standin::GetLedger().nodes, 1U);
+  child = {};
+  EXPECT_TRUE(standin::GetLedger().Empty());
+}
+
+TEST(Node, ReleasesADeepTreeOnASmallStack) {
+  auto node = TqXML::CreateXmlNode("n", "");
+  auto* inner = node.get();
+  for (int i = 0; i < 200000; ++i) inner = XmlHelper::AddChild(*inner, "n", "");
+  EXPECT_EQ(node->GetXmlString().size(), 200000U * 7 + 4);
+  node = {};
+  std::string deep;
+  for (int i = 0; i < 200000; ++i) deep += "<n>";
+  for (int i = 0; i < 200000; ++i) deep += "</n>";
+  EXPECT_TRUE(TqXML::CreateXmlDocument(deep));
+  EXPECT_TRUE(standin::GetLedger().Empty());
+}
+
+TEST(Base64, DecodesStrictlyButForBlanks) {
+  const struct {
+    const char* text;
+    std::string bytes;
+  } cases[] = {
+      {"", ""},
+      {"QQ==", "A"},
+      {"QUI=", "AB"},
+      {"QUJD", "ABC"},
+      {"AAECAw==", {"\0\1\2\3", 4}},
+      {" Q U\tJ\r\nD\n", "ABC"},
+      {"+/+/", "\xFB\xFF\xBF"},
+      {"QQ= =", "A"},
+      {"QQ", ""},
+      {"QQ=", ""},
+      {"Q===", ""},
+      {"====", ""},
+      {"=", ""},
+      {"QQ==QUJD", ""},
+      {"QU=D", ""},
+      {"QUJD*", ""},
+      {"QU\vJD", ""},
+      {"-_-_", ""},
+      {"QUJ\xC3", ""},
+      {" \n", ""},
+  };
+  for (const auto& test : cases) EXPECT_EQ(Base64Encoder().Base64Decode(test.text), test.bytes) << test.text;
+}
+
+TEST(Message, WritesEveryNameAndTextAsXml) {
+  const struct {
+    tq::auto_com<IBindMessage> message;
+    std::string xml;
+  } cases[] = {
+      {standin::MakeNotification("A", {}), "<A/>"},
+      {standin::MakeNotification("1 \xC3\xA4:", {{"-x", ""}, {"x-1.y_Z", "\r"}, {"\xFF", ">"}}),
+       "<_1____><_-x/><x-1.y_Z>&#13;</x-1.y_Z><_>&gt;</_></_1____>"},
+      {standin::MakeNotificationFromXml("A", "no xml"), "no xml"},
+  };
+  for (const auto& test : cases) EXPECT_EQ(test.message->GetXml(), test.xml);
+  const auto twice = standin::MakeNotificationFromXml("A", "<a><p>1<q>2</q>3</p>x<p>4</p></a>");
+  EXPECT_EQ(twice->GetParamText("p"), "123");
+  EXPECT_EQ(twice->GetParamValue("q"), "");
+}
