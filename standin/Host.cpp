@@ -1,5 +1,6 @@
 #include "standin/Host.h"
 
+#include <stdexcept>
 #include <utility>
 
 #include "standin/CmdMessage.h"
@@ -19,6 +20,7 @@ Host::Host(const Plugin& plugin, Observer& observer, std::optional<std::string> 
     : m_Services(std::make_unique<Services>(observer, std::move(imageRoot))) {
   const Services::Scope scope(*m_Services);
   m_Driver = tq::auto_com<IDriver>(plugin.GetCreationFunc()(*m_Services));
+  if (!m_Driver) throw std::runtime_error("the creation function returned no driver");
 }
 
 Host::~Host() { Destroy(); }

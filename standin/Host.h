@@ -99,7 +99,7 @@ class HOST_API Host {
  public:
   // Creates the driver, not yet initialized. `imageRoot` is what the path service answers, with its
   // separator at the end; without it the host has no path service. `plugin` and `observer` are
-  // borrowed and outlive the host.
+  // borrowed and outlive the host. Throws std::runtime_error when the plug-in makes none.
   Host(const Plugin& plugin, Observer& observer, std::optional<std::string> imageRoot);
   ~Host();
   Host(const Host&) = delete;

@@ -14,7 +14,7 @@
 namespace standin {
 
 // What a host keeps for its driver; the base classes reach it through their instance manager.
-class Services : public IInstanceManager, public IHostPaths, public IRoomOutputs {
+class Services final : public IInstanceManager, public IHostPaths, public IRoomOutputs {
  public:
   struct Variable {
     std::string name;
