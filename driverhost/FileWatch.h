@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace driverhost {
+
+// Notices the files in one directory that are closed after writing.
+class FileWatch {
+ public:
+  // A directory that is not there is watched in vain.
+  explicit FileWatch(const std::string& directory);
+  ~FileWatch();
+  FileWatch(const FileWatch&) = delete;
+  FileWatch& operator=(const FileWatch&) = delete;
+
+  // The paths of those closed since the last call, in that order. One that is closed several times
+  // in a row stands once.
+  std::vector<std::string> Written();
+
+ private:
+  const std::string m_Directory;
+  const int m_Queue;
+};
+
+}  // namespace driverhost

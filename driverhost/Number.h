@@ -1,0 +1,11 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+namespace driverhost {
+
+// The number that decimal digits alone stand for; nothing for any other text and beyond the type.
+std::optional<unsigned long> ReadNumber(std::string_view text);
+
+}  // namespace driverhost

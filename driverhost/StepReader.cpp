@@ -1,0 +1,251 @@
+#include "driverhost/StepReader.h"
+
+#include <algorithm>
+#include <array>
+#include <functional>
+#include <map>
+#include <set>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "driverhost/Base64.h"
+#include "driverhost/FileContent.h"
+#include "driverhost/Legible.h"
+#include "driverhost/Number.h"
+#include "driverhost/StepTitle.h"
+#include "host/Base64Encoder.h"
+#include "standin/Host.h"
+
+namespace driverhost {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// A line, its parameters and a text of theirs.
+constexpr int s_DeepestObject = 2;
+
+[[noreturn]] void Fail(const std::string& what) { throw std::runtime_error(what); }
+
+std::string Quoted(const std::string& key) { return '"' + Legible(key, 60) + '"'; }
+
+// Refuses a key that stands twice in its object, and what is nested deeper than any line needs.
+class KeyGuard {
+ public:
+  bool operator()(int depth, Json::parse_event_t event, const Json& parsed) {
+    using Event = Json::parse_event_t;
+    const bool starts = event == Event::object_start || event == Event::array_start;
+    if (starts && depth > s_DeepestObject) Fail("nested too deeply");
+    if (event == Event::object_start) m_Open.emplace_back();
+    if (event == Event::object_end) m_Open.pop_back();
+    if (event == Event::key) Enter(parsed.get_ref<const std::string&>());
+    return true;
+  }
+
+ private:
+  void Enter(const std::string& key) {
+    if (!m_Open.back().insert(key).second) Fail("the key " + Quoted(key) + " stands twice");
+  }
+
+  std::vector<std::set<std::string>> m_Open;
+};
+
+Json Parse(std::string_view line) {
+  // The parser would take a NUL for the end of its input.
+  if (line.find('\0') != std::string_view::npos) Fail("not JSON: it holds a NUL byte");
+  try {
+    KeyGuard guard;
+    return Json::parse(line.begin(), line.end(), std::ref(guard));
+  } catch (const Json::exception& error) {
+    // "[json.exception....] parse error at line 1, column 5: ..."; an overflow has no place.
+    const std::string_view what = error.what();
+    const std::size_t column = what.find("column ");
+    const std::size_t start = column == std::string_view::npos ? what.find("] ") + 2 : column;
+    Fail("not JSON: " + Legible(what.substr(start), 200));
+  }
+}
+
+std::string DecodeBase64(const std::string& text, const std::string& owner) {
+  std::string bytes = Base64Encoder().Base64Decode(text);
+  if (bytes.empty() && text.find_first_not_of(" \t\r\n") != std::string::npos) {
+    Fail(Quoted(owner) + " holds broken base64");
+  }
+  return bytes;
+}
+
+// The members of one line. Values are taken out of it.
+class Line {
+ public:
+  Line(Json& json, const char* key, const std::filesystem::path& folder)
+      : m_Json(json), m_Key(key), m_Folder(folder) {}
+
+  std::string Name() {
+    Json& name = m_Json[m_Key];
+    if (!name.is_string()) Fail(Quoted(m_Key) + " must be a string");
+    return std::move(name.get_ref<std::string&>());
+  }
+
+  unsigned long Id() const { return Number(m_Json[m_Key], m_Key); }
+
+  bool Has(const char* key) const { return m_Json.contains(key); }
+
+  // Empty when the line has none.
+  std::string Text(const char* key) { return Has(key) ? Text(key, m_Json[key]) : std::string(); }
+
+  standin::Params TextParams() {
+    standin::Params params;
+    for (auto& [name, value] : Members("params")) params.push_back({name, Text(name, value)});
+    return params;
+  }
+
+  standin::Params TypedParams() {
+    standin::Params params;
+    for (auto& [name, value] : Members("params")) {
+      const bool integer = value.is_number_integer();
+      if (value.is_number_float()) Fail(Quoted(name) + " must be an integer of 64 bits or a text");
+      params.push_back(
+          {name, integer ? value.dump() : Text(name, value), integer ? "INTEGER" : "STRING"});
+    }
+    return params;
+  }
+
+  std::map<std::string, std::string> Capabilities() {
+    std::map<std::string, std::string> capabilities;
+    for (auto& [name, value] : Members("capabilities")) {
+      capabilities[name] =
+          value.is_boolean() ? (value.get<bool>() ? "True" : "False") : Text(name, value);
+    }
+    return capabilities;
+  }
+
+  std::map<unsigned long, unsigned long> Outputs() {
+    std::map<unsigned long, unsigned long> outputs;
+    for (auto& [name, value] : Members(m_Key)) {
+      const auto room = ReadNumber(name);
+      if (!room) Fail(Quoted(name) + " must be the number of a room");
+      if (!outputs.emplace(*room, Number(value, name)).second) {
+        Fail("the room " + std::to_string(*room) + " stands twice");
+      }
+    }
+    return outputs;
+  }
+
+  void RequireTrue() const {
+    if (m_Json[m_Key] != true) Fail(Quoted(m_Key) + " must be true");
+  }
+
+ private:
+  static unsigned long Number(const Json& value, const std::string& name) {
+    if (!value.is_number_unsigned()) {
+      Fail(Quoted(name) + " must be an integer from 0 to 18446744073709551615");
+    }
+    return value.get<unsigned long>();
+  }
+
+  // Empty when the line has none.
+  Json::object_t& Members(const char* key) {
+    Json& members = Has(key) ? m_Json[key] : m_None;
+    if (!members.is_object()) Fail(Quoted(key) + " must be an object");
+    return members.get_ref<Json::object_t&>();
+  }
+
+  std::string Text(const std::string& name, Json& value) {
+    if (value.is_string()) return std::move(value.get_ref<std::string&>());
+    if (value.is_object() && value.size() == 1 && value.front().is_string()) {
+      const auto& text = value.front().get_ref<const std::string&>();
+      if (value.contains("bytes")) return DecodeBase64(text, name);
+      if (value.contains("base64_of_file")) return EncodeBase64(ReadFile(m_Folder / text));
+    }
+    Fail(Quoted(name) + R"( must be a string, {"bytes": BASE64} or {"base64_of_file": PATH})");
+  }
+
+  Json& m_Json;
+  Json m_None = Json::object();
+  const char* m_Key;
+  const std::filesystem::path& m_Folder;
+};
+
+tq::auto_com<IBindMessage> ReadNotification(Line& line) {
+  const std::string name = line.Name();
+  if (!line.Has("xml")) return standin::MakeNotification(name, line.TextParams());
+  if (line.Has("params")) Fail(R"("params" and "xml" exclude each other)");
+  return standin::MakeNotificationFromXml(name, line.Text("xml"));
+}
+
+tq::auto_com<ICmdMessage> ReadCommand(Line& line) {
+  const std::string name = line.Name();
+  return standin::MakeCommand(name, line.TypedParams());
+}
+
+using Call = decltype(Step::call);
+
+struct Kind {
+  const char* key;
+  std::array<std::string_view, 2> with;
+  Call (*read)(Line& line);
+};
+
+const Kind s_Kinds[] = {
+    {"notify",
+     {"params", "xml"},
+     [](Line& line) -> Call { return Notify{ReadNotification(line)}; }},
+    {"command", {"params"}, [](Line& line) -> Call { return Execute{ReadCommand(line)}; }},
+    {"request", {"params"}, [](Line& line) -> Call { return Request{ReadCommand(line)}; }},
+    {"bind",
+     {"class", "capabilities"},
+     [](Line& line) -> Call {
+       return Bind{line.Id(), line.Text("class"), line.Capabilities()};
+     }},
+    {"unbind",
+     {"class"},
+     [](Line& line) -> Call {
+       return Unbind{line.Id(), line.Text("class")};
+     }},
+    {"rooms", {}, [](Line& line) -> Call { return Rooms{line.Outputs()}; }},
+    {"persist",
+     {},
+     [](Line& line) -> Call {
+       line.RequireTrue();
+       return Persist{};
+     }},
+};
+
+const Kind& FindKind(const Json& json) {
+  const Kind* found = nullptr;
+  for (const Kind& kind : s_Kinds) {
+    if (!json.contains(kind.key)) continue;
+    if (found) Fail(Quoted(found->key) + " and " + Quoted(kind.key) + " exclude each other");
+    found = &kind;
+  }
+  if (!found) Fail("none of notify, command, request, bind, unbind, rooms, persist");
+  return *found;
+}
+
+void CheckKeys(const Json& json, const Kind& kind) {
+  for (const auto& member : json.items()) {
+    const std::string& key = member.key();
+    const bool known = std::find(kind.with.begin(), kind.with.end(), key) != kind.with.end();
+    if (key != kind.key && (key.empty() || !known)) {
+      Fail("unknown key " + Quoted(key) + " beside " + Quoted(kind.key));
+    }
+  }
+}
+
+}  // namespace
+
+Step ReadStep(std::string_view line, const std::filesystem::path& folder) {
+  Json json = Parse(line);
+  if (!json.is_object()) Fail("not a JSON object");
+  const Kind& kind = FindKind(json);
+  CheckKeys(json, kind);
+  Step step;
+  step.title = StepTitle(kind.key, json);
+  Line members(json, kind.key, folder);
+  step.call = kind.read(members);
+  return step;
+}
+
+}  // namespace driverhost
