@@ -75,29 +75,6 @@ Step Req(const std::string& name) {
   return [=](standin::Host& host) { host.Request(*standin::MakeCommand(name, {})); };
 }
 
-Step Bind(const std::map<std::string, std::string>& capabilities, unsigned long id) {
-  return [=](standin::Host& host) { host.Bind(id, "PLAYER", capabilities); };
-}
-
-Step Unbind(unsigned long id) {
-  return [=](standin::Host& host) { host.Unbind(id, "PLAYER"); };
-}
-
-Step Fault(standin::Factory factory, bool fails) {
-  return [=](standin::Host& host) { host.SetFault(factory, fails); };
-}
-
-void Check(const std::vector<Case>& cases, const std::vector<Step>& before) {
-  for (const Case& test : cases) {
-    SCOPED_TRACE(test.what);
-    Bench bench;
-    for (const Step& step : before) step(bench.host);
-    bench.recorder.Take();
-    for (const Step& step : test.steps) step(bench.host);
-    EXPECT_EQ(bench.recorder.Take(), test.traffic);
-  }
-}
-
 const standin::Plugin& ThePlugin() {
   static const standin::Plugin plugin(MEDIA_PLUGIN);
   return plugin;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -34,17 +33,6 @@ Step Ntf(const std::string& name, const standin::Params& params = {});
 Step NtfXml(const std::string& name, const std::string& xml);
 Step Cmd(const std::string& name, const standin::Params& params = {});
 Step Req(const std::string& name);
-Step Bind(const std::map<std::string, std::string>& capabilities, unsigned long id = 5001);
-Step Unbind(unsigned long id = 5001);
-Step Fault(standin::Factory factory, bool fails = true);
-
-// What steps send out, after those of `before`.
-struct Case {
-  const char* what;
-  std::vector<Step> steps;
-  std::vector<std::string> traffic;
-};
-void Check(const std::vector<Case>& cases, const std::vector<Step>& before = {});
 
 // The plug-in under test, loaded once.
 const standin::Plugin& ThePlugin();

@@ -113,23 +113,6 @@ TEST(CoverArt, WritesStreamsAsTheyCome) {
   }
 }
 
-TEST(CoverArt, RefusesWhatItDoesNotKnow) {
-  const auto invalid = [](const std::string& format) { return "log 3 ipod::OnNtfCoverArt: invalid format " + format; };
-  Check({
-      {"another format",
-       {Cover("rgb565", "xx", "1", "1"), Cover("JPEG ", "x", "", "", "1"), Ntf("NEW_COVERART")},
-       {invalid("rgb565"), Announced("1", "1"), invalid("JPEG "), Announced("", ""), invalid(""), Announced("", "")}},
-      {"broken base64 is no byte",
-       {Ntf("NEW_COVERART", {{"format", "JPEG"}, {"size", "1"}, {"cover_art", "QUI=x"}})},
-       {"log 3 ipod::OnNtfCoverArt: a JPEG size of 1 is outside 0 to the 0 bytes that there are", Announced("", "")}},
-      {"by its path",
-       {Ntf("COVERART_PATH_CHANGED", {{"height", ""}, {"width", "abc"}, {"image_path", "a b"}}),
-        Ntf("COVERART_PATH_CHANGED")},
-       {"ui <NEW_COVER_ART><image_path>a b</image_path><width>abc</width><height/></NEW_COVER_ART>",
-        "ui <NEW_COVER_ART><image_path/><width/><height/></NEW_COVER_ART>"}},
-  });
-}
-
 TEST(CoverArt, ReadsNothingBeyondTheBytes) {
   const std::vector<std::string> sides = {"0",
                                           "1",

@@ -25,34 +25,6 @@ TEST(Life, RegistersEachNameOnceAndInOrder) {
   EXPECT_EQ(Bench().host.Registered(), expected);
 }
 
-TEST(Life, DefaultHandlerExecutesCommandsAndPassesDocumentsOn) {
-  Check({
-      {"plain",
-       {Ntf("VOLUME_CHANGED", {{"volume", "55"}, {"", "a<b"}})},
-       {"ui <VOLUME_CHANGED><volume>55</volume><_>a&lt;b</_></VOLUME_CHANGED>"}},
-      {"not the name of the cover art", {Ntf("NEW_COVER_ART")}, {"ui <NEW_COVER_ART/>"}},
-      {"a document, unchanged",
-       {NtfXml("X", "<?xml version='1.0'?> <a b='1'>\t<!-- c --><d/>&#233;</a >\n")},
-       {"ui <a b='1'>\t<!-- c --><d/>&#233;</a >"}},
-      {"own entities stay unread",
-       {NtfXml("X", "<!DOCTYPE a [<!ENTITY e 'boom'>]><a b='&e;&lt;'>&e;&amp;<c/>&e;</a>")},
-       {"ui <a b='&amp;e;&lt;'>&amp;e;&amp;<c/>&amp;e;</a>"}},
-      {"no document", {NtfXml("X", ""), NtfXml("X", "<a>"), NtfXml("X", "<a/><b/>"), NtfXml("X", "<a>\x01</a>")}, {}},
-      {"a command for the driver",
-       {NtfXml("X",
-               "<command name='RESET'><param name='ROOM_ID' type='INTEGER'>5</param>"
-               "<param name='A'>b<c>d</c></param><other>no</other></command>")},
-       {"device 5001 RESET ROOM_ID:INTEGER=5 A:STRING=bd OUTPUT:INTEGER=0"}},
-      {"a command for the device", {NtfXml("X", "<command name='PLAY'/>")}, {"device 5001 PLAY"}},
-      {"a command without a name is a document",
-       {NtfXml("X", "<command><param name='A'/></command>")},
-       {"ui <command><param name='A'/></command>"}},
-      {"names go before commands",
-       {NtfXml("PLAY_STATUS_CHANGED", "<command name='RESET'><play_status>P</play_status></command>")},
-       {"changed 1000 PLAY_STATUS=P", "ui <play_status>P</play_status>"}},
-  });
-}
-
 TEST(Life, VariablesComeWithInitializeAndGoFirst) {
   Recorder recorder;
   standin::Host host(ThePlugin(), recorder, "/proc/");
@@ -157,4 +129,10 @@ TEST(Life, PersistsOneEmptyElement) {
   const Lines lines = recorder.Take();
   EXPECT_EQ(lines.front(), "state <State/>");
   EXPECT_EQ(lines.back(), "state <State/>");
+}
+
+TEST(Life, DestroysADriverThatHoldsAList) {
+  Bench bench;
+  bench(Ntf("NEW_LIST"));
+  bench(Ntf("ADD_LIST_ITEM", {{"last", "False"}}));
 }

@@ -1,0 +1,249 @@
+#include <regex.h>
+#include <sys/wait.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "driverhost/Session.h"
+#include "tests/Bench.h"
+
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+
+namespace {
+
+struct Ended {
+  int status;
+  std::string out;
+  std::string error;
+};
+
+// Runs a shell command with driverhost as $D, in a directory that holds `session` as "s".
+Ended Shell(const std::string& command, const std::string& session = "") {
+  const std::string directory = MakeDirectory() + '/';
+  std::ofstream(directory + 's', std::ios::binary) << session;
+  const std::string whole = "cd " + directory + " && export TMPDIR=. D=" DRIVERHOST " && (" + command + ") >out 2>err";
+  const int status = std::system(whole.c_str());
+  Ended ended{WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadFile(directory + "out"), ReadFile(directory + "err")};
+  fs::remove_all(directory);
+  return ended;
+}
+
+bool Finds(const std::string& text, const std::string& pattern) {
+  regex_t regex;
+  EXPECT_EQ(regcomp(&regex, pattern.c_str(), REG_EXTENDED | REG_NOSUB), 0) << pattern;
+  const bool found = regexec(&regex, text.c_str(), 0, nullptr, 0) == 0;
+  regfree(&regex);
+  return found;
+}
+
+Json Lines(const std::string& text) {
+  Json lines = Json::array();
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) lines.push_back(Json::parse(line));
+  return lines;
+}
+
+// With each document in canonical form.
+Json WithTrees(Json value) {
+  if (value.is_string() && value.get<std::string>().rfind('<', 0) == 0) return Canonical(value);
+  for (auto& inner : value) {
+    if (value.is_structured()) inner = WithTrees(inner);
+  }
+  return value;
+}
+
+}  // namespace
+
+// Each file of cases holds session lines, each followed by the traffic that it causes; a comment
+// begins a case, which has a driver of its own.
+TEST(Driverhost, SendsWhatEachCaseSays) {
+  for (const auto& file : fs::directory_iterator(CASES)) {
+    std::istringstream lines(ReadFile(file.path()));
+    std::string what;
+    std::string session;
+    Json expected = Json::array();
+    int step = 0;
+    const auto finish = [&] {
+      if (what.empty()) return;
+      const Ended ended = Shell("$D replay --json --id 7 - <s", session);
+      EXPECT_EQ(ended.status, 0) << ended.error;
+      Json came = Lines(ended.out);
+      came.erase(came.begin(), came.begin() + 2);
+      came.erase(came.end() - 2, came.end());
+      EXPECT_EQ(WithTrees(came), WithTrees(expected)) << file.path() << ": " << what;
+    };
+    for (std::string line; std::getline(lines, line);) {
+      if (line[0] == '#') {
+        finish();
+        what = line;
+        session.clear();
+        expected.clear();
+        step = 0;
+      } else if (line.rfind("{\"to\":", 0) == 0) {
+        expected.push_back(Json::parse("{\"step\":" + std::to_string(step) + ',' + line.substr(1)));
+      } else {
+        session += line + '\n';
+        ++step;
+      }
+    }
+    finish();
+  }
+}
+
+TEST(Driverhost, PlaysARecordedEveningAsItDidBefore) {
+  const Ended ended = Shell("$D replay --json " SESSIONS "/evening.ndjson");
+  EXPECT_EQ(ended.status, 0) << ended.error;
+  const Json expected = Lines(ReadFile(GOLDEN "/evening.ndjson"));
+  const Json came = Lines(ended.out);
+  ASSERT_EQ(came.size(), expected.size());
+  for (std::size_t i = 0; i < came.size(); ++i) EXPECT_EQ(WithTrees(came[i]), WithTrees(expected[i]));
+}
+
+TEST(Driverhost, WritesPicturesThatDecode) {
+  for (const char* name : {"/covers.ndjson", "/demo.ndjson"}) {
+    driverhost::Session session(SESSIONS + std::string(name));
+    Bench bench;
+    std::size_t pictures = 0;
+    while (const auto step = session.Next()) {
+      const auto* notify = std::get_if<driverhost::Notify>(&step->call);
+      if (!notify) continue;
+      bench.host.Notify(*notify->message);
+      const std::string format = notify->message->GetParamText("format");
+      if (format != "JPEG" && format != "RGB565" && format != "RGB888") continue;
+      EXPECT_EQ(std::system(("djpeg " + bench.root + "ipod/7/coverart.jpg >/dev/null").c_str()), 0) << step->line;
+      ++pictures;
+    }
+    EXPECT_GE(pictures, 3U);
+  }
+}
+
+TEST(Driverhost, TellsWhatIsWrongWithALine) {
+  const struct {
+    const char* line;
+    const char* error;  // a regular expression
+  } cases[] = {
+      {"x", "not JSON"},
+      {"[]", "object"},
+      {"{", "not JSON"},
+      {"{}", "none of"},
+      {"{\"notify\":\"A\xFF\"}", "not JSON|UTF-8"},
+      {R"({"notify":"A"} x)", "not JSON"},
+      {R"({"notify":"A","command":"B"})", "command|main"},
+      {R"({"notify":"A","class":"B"})", "class"},
+      {R"({"notify":"A","notify":"B"})", "notify.*twice"},
+      {R"({"notify":"A","params":{"p":"1","p":"2"}})", "p.*twice"},
+      {R"({"notify":"A","params":{},"xml":"<a/>"})", "xml"},
+      {R"({"notify":5})", "notify"},
+      {R"({"notify":"A","params":[]})", "params"},
+      {R"({"notify":"A","params":{"p":5}})", "p"},
+      {R"({"notify":"A","params":{"p":{}}})", "p"},
+      {R"({"notify":"A","params":{"p":{"bytes":"A"}}})", "base64"},
+      {R"({"notify":"A","params":{"p":{"bytes":"QQ==","x":1}}})", "p"},
+      {R"({"notify":"A","params":{"p":{"base64_of_file":"none"}}})", "none"},
+      {R"({"notify":"A","params":{"p":{"base64_of_file":"."}}})", "directory"},
+      {R"({"command":"A","params":{"p":1.5}})", "p"},
+      {R"({"command":"A","xml":"<a/>"})", "xml"},
+      {R"({"command":"A","params":{"p":true}})", "p"},
+      {R"({"bind":-1})", "bind"},
+      {R"({"bind":18446744073709551616})", "bind"},
+      {R"({"bind":"5001"})", "bind"},
+      {R"({"bind":1,"capabilities":{"c":1}})", "c"},
+      {R"({"bind":1,"class":2})", "class"},
+      {R"({"rooms":{"x":1}})", "x"},
+      {R"({"rooms":{"":1}})", "room"},
+      {R"({"rooms":{"-1":1}})", "-1"},
+      {R"({"rooms":{"18446744073709551616":1}})", "18446744073709551616"},
+      {R"({"rooms":{"5":-3}})", "5"},
+      {R"({"persist":false})", "persist"},
+  };
+  for (const auto& test : cases) {
+    const Ended ended = Shell("$D replay --json s", "# a comment\n{\"notify\":\"A\"}\r\n\n" + std::string(test.line));
+    EXPECT_EQ(ended.status, 2) << test.line;
+    EXPECT_TRUE(Finds(ended.error, "^s:4: [^\n]*(" + std::string(test.error) + ")[^\n]*\n"))
+        << test.line << " said " << ended.error;
+    ASSERT_EQ(Lines(ended.out).size(), 5U) << ended.out;
+    EXPECT_EQ(Lines(ended.out)[2].dump(), R"({"step":2,"to":"ui","xml":"<A/>"})");
+    EXPECT_EQ(Lines(ended.out)[3].at("action"), "removed");
+  }
+}
+
+TEST(Driverhost, SpeaksTheContract) {
+  const Ended ended = Shell(
+      "mkdir d; printf AB >d/f; mv s d; $D replay d/s --json --id 12 --repeat 2 --image-root r; test -d r/ipod/12",
+      R"({"rooms":{"5":3}}
+{"command":"RESET","params":{"ROOM_ID":5,"T":{"bytes":"/w=="}}}
+{"notify":"X","params":{"z":{"base64_of_file":"f"},"a":"é\r"}}
+{"request":"GET_VOLUME"}
+{"notify":"NEW_COVERART","params":{"format":{"bytes":"/w=="}}}
+{"persist":true})");
+  EXPECT_EQ(ended.status, 0) << ended.error;
+  const std::vector<std::string> expected = {
+      R"("to":"device","binding":5001,"command":"RESET","params":[{"name":"ROOM_ID","type":"INTEGER","value":"5"},)"
+      R"({"name":"T","type":"STRING","value":{"bytes":"/w=="}},{"name":"OUTPUT","type":"INTEGER","value":"3"}]})",
+      R"("to":"ui","xml":"<X><z>QUI=</z><a>é&#13;</a></X>"})",
+      R"("to":"answer","request":"GET_VOLUME","xml":null})",
+      R"("to":"log","level":3,"text":{"bytes":"aXBvZDo6T25OdGZDb3ZlckFydDogaW52YWxpZCBmb3JtYXQg/w=="}})",
+      R"("to":"ui","xml":"<NEW_COVER_ART><image_path>ipod/12/coverart.jpg</image_path><width/><height/></NEW_COVER_ART>"})",
+      R"("to":"state","xml":"<State/>"})"};
+  std::string text = R"({"step":0,"to":"variable","action":"added","id":1000,"name":"PLAY_STATUS","value":"0"}
+{"step":0,"to":"variable","action":"added","id":1001,"name":"ONLINE_STATUS","value":"0"}
+)";
+  const int steps[] = {2, 3, 4, 5, 5, 6};
+  for (int round = 0; round < 2; ++round) {
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+      text += "{\"step\":" + std::to_string(steps[i] + 6 * round) + ',' + expected[i] + '\n';
+    }
+  }
+  text += R"({"step":13,"to":"variable","action":"removed","id":1000,"name":"PLAY_STATUS","value":"0"}
+{"step":13,"to":"variable","action":"removed","id":1001,"name":"ONLINE_STATUS","value":"0"}
+)";
+  EXPECT_EQ(ended.out, text);
+}
+
+TEST(Driverhost, EndsAsItSays) {
+  const std::string one = "{\"notify\":\"A\",\"params\":{\"p\":\"v\"}}\n";
+  std::string many;
+  for (int i = 0; i < 5000; ++i) many += one;
+  const struct {
+    const char* command;
+    std::string session;
+    int status;
+    const char* out;
+    const char* error;
+  } cases[] = {
+      {"$D replay s", one, 0, "1 *notify A *p=v\n *ui *<A><p>v</p></A>", "1 lines?, 1 messages?, 1 documents?"},
+      {"cat s | $D replay - --quiet", one, 0, "^$", "1 lines?, 1 messages?"},
+      {"$D replay --quiet", "", 0, "^$", "3 files? written"},
+      {"$D replay s --quiet --repeat 3", one, 0, "^$", "3 lines?, 3 messages?(.|\n)*objects held"},
+      {"cd / && $D replay --json --image-root /proc/x " SESSIONS "/demo.ndjson", "", 0,
+       "\"level\":3,\"text\":\"ipod::Initialize: failed to create ipod image directory \\(/proc/x/ipod/1\\)\"", ""},
+      {"$D replay s | head -1", many, 0, "create", "^$"},
+      {"$D replay s >/dev/full", many, 1, "^$", "No space"},
+      {"(cat s; sleep 2) | timeout -s INT 1 $D replay -", one, 124, "A", "1 lines?, 1 messages?"},
+      {"$D replay --driver none s", one, 1, "^$", "none.*No such file"},
+      {"$D replay --driver s s", one, 1, "^$", "s: .*(header|short)"},
+      {"$D replay --driver " STANDIN " s", one, 1, "^$", "GetCreationFunc"},
+      {"$D replay --driver " NEEDY_PLUGIN " s", one, 1, "^$", "undefined symbol: .*NobodyHasThis"},
+      {"$D replay none", one, 2, "^$", "none.*No such file"},
+      {"$D replay .", one, 2, "^$", "directory"},
+      {"$D replay --id -1 s", one, 2, "^$", "id"},
+      {"$D replay --id 18446744073709551615 s --quiet", one, 0, "^$", "1 message"},
+      {"$D replay --repeat 0 s", one, 2, "^$", "repeat"},
+      {"$D replay --nonsense", one, 2, "^$", "nonsense"},
+      {"$D", one, 2, "^$", "replay|subcommand"},
+      {"$D --version", "", 0, "[0-9]\\.[0-9]", "^$"},
+      {"$D replay --help", "", 0, "--image-root", "^$"},
+  };
+  for (const auto& test : cases) {
+    const Ended ended = Shell(test.command, test.session);
+    EXPECT_EQ(ended.status, test.status) << test.command << '\n' << ended.error;
+    EXPECT_TRUE(Finds(ended.out, test.out)) << test.command << " printed " << ended.out;
+    EXPECT_TRUE(Finds(ended.error, test.error)) << test.command << " said " << ended.error;
+  }
+}
