@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "driver/media.h"
@@ -19,7 +21,7 @@ void media::OnNtfPlayStatusChanged(const IBindMessage& msg) {
   std::string value = msg.GetParamValue("play_status");
   if (value != m_PlayStatus) {
     m_PlayStatus = std::move(value);
-    const auto event = std::find(std::begin(events), std::end(events), m_PlayStatus);
+    const auto* const event = std::find(std::begin(events), std::end(events), m_PlayStatus);
     if (event != std::end(events)) FireEvent(static_cast<unsigned long>(event - events));
     ChangeMyVariable(s_PlayStatusVariable, m_PlayStatus);
   }

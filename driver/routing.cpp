@@ -3,8 +3,7 @@
 #include "driver/media.h"
 #include "host/TqXML.h"
 
-using boost::placeholders::_1;
-using boost::placeholders::_2;
+namespace placeholders = boost::placeholders;
 
 void media::RegisterNotifications() {
   static constexpr struct {
@@ -31,9 +30,9 @@ void media::RegisterNotifications() {
       {"ADD_MENU_ITEM", &media::OnNtfAddMenuItem},
   };
   for (const auto& row : rows) {
-    m_NtfDispatcher.RegisterNtf(row.name, boost::bind(row.handler, this, _1));
+    m_NtfDispatcher.RegisterNtf(row.name, boost::bind(row.handler, this, placeholders::_1));
   }
-  m_NtfDispatcher.RegisterDefaultNtf(boost::bind(&media::OnNtfDefault, this, _1));
+  m_NtfDispatcher.RegisterDefaultNtf(boost::bind(&media::OnNtfDefault, this, placeholders::_1));
 }
 
 void media::RegisterCommands() {
@@ -45,7 +44,8 @@ void media::RegisterCommands() {
       {"RESET", &media::OnCmdReset},
   };
   for (const auto& row : rows) {
-    m_CmdDispatcher.RegisterCmd(row.name, boost::bind(row.handler, this, _1, _2));
+    m_CmdDispatcher.RegisterCmd(row.name,
+                                boost::bind(row.handler, this, placeholders::_1, placeholders::_2));
   }
 }
 
@@ -60,7 +60,7 @@ void media::RegisterRequests() {
       {"GET_REPEAT_MODES", &media::OnGetRepeatModes},
   };
   for (const auto& row : rows) {
-    m_UICmdDispatcher.RegisterUICmd(row.name, boost::bind(row.handler, this, _1));
+    m_UICmdDispatcher.RegisterUICmd(row.name, boost::bind(row.handler, this, placeholders::_1));
   }
 }
 
