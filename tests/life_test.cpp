@@ -131,8 +131,11 @@ TEST(Life, PersistsOneEmptyElement) {
   EXPECT_EQ(lines.back(), "state <State/>");
 }
 
-TEST(Life, DestroysADriverThatHoldsAList) {
+TEST(Life, HoldsOneDocumentAtATime) {
   Bench bench;
-  bench(Ntf("NEW_LIST"));
-  bench(Ntf("ADD_LIST_ITEM", {{"last", "False"}}));
+  for (const char* header : {"NEW_LIST", "NEW_MENU", "NEW_LIST"}) {
+    bench(Ntf(header));
+    bench(Ntf("ADD_LIST_ITEM", {{"last", "True"}}));
+    EXPECT_EQ(standin::GetLedger().nodes, 1U);
+  }
 }
