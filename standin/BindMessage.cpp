@@ -8,6 +8,12 @@
 
 namespace standin {
 
+namespace {
+
+std::vector<std::string>* s_Reads = nullptr;
+
+}  // namespace
+
 BindMessage::BindMessage(std::string name, std::string command, Params params, std::string xml)
     : Counted(&Ledger::bindMessages),
       m_Name(std::move(name)),
@@ -28,10 +34,19 @@ std::string BindMessage::GetXml() const {
   return xml + '>';
 }
 
-std::string BindMessage::GetParamText(const std::string& name) const {
+std::string BindMessage::GetParamText(const std::string& name) const { return Read("text", name); }
+
+std::string BindMessage::GetParamValue(const std::string& name) const {
+  return Read("value", name);
+}
+
+std::string BindMessage::Read(const char* accessor, const std::string& name) const {
+  if (s_Reads) s_Reads->push_back(std::string(accessor) + ' ' + name);
   const Param* param = FindParam(m_Params, name);
   return param ? param->value : std::string();
 }
+
+void RecordReads(std::vector<std::string>* reads) { s_Reads = reads; }
 
 tq::auto_com<IBindMessage> MakeNotification(const std::string& name, Params params) {
   return tq::auto_com<IBindMessage>(new BindMessage(name, "", std::move(params), ""));

@@ -18,11 +18,13 @@ class BindMessage final : public Counted<BindMessage, IBindMessage> {
   std::string GetXml() const override;
   const std::string& GetCommand() const override { return m_Command; }
   std::string GetParamText(const std::string& name) const override;
-  std::string GetParamValue(const std::string& name) const override { return GetParamText(name); }
+  std::string GetParamValue(const std::string& name) const override;
 
  private:
   ~BindMessage() = default;
   friend class Counted<BindMessage, IBindMessage>;
+
+  std::string Read(const char* accessor, const std::string& name) const;
 
   const std::string m_Name;
   const std::string m_Command;

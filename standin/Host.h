@@ -77,6 +77,11 @@ HOST_API tq::auto_com<IBindMessage> MakeNotificationFromXml(const std::string& n
                                                             std::string xml);
 HOST_API tq::auto_com<ICmdMessage> MakeCommand(const std::string& name, Params params);
 
+// From now on every parameter that a driver reads of a notification is added to `reads`, as
+// "text NAME" or "value NAME" by the accessor; null stops. Borrowed until then; for the whole
+// process.
+HOST_API void RecordReads(std::vector<std::string>* reads);
+
 // How many host objects are in somebody's hands, by kind, in the whole process.
 struct Ledger {
   std::size_t nodes;
@@ -122,7 +127,8 @@ class HOST_API Host {
             std::map<std::string, std::string> capabilities);
   void Unbind(unsigned long bindingId, const std::string& className);
 
-  // The outputs that the room-output service answers from now on; 0 for a room not named.
+  // The outputs that the room-output service answers from now on for kind 2, the one that drivers
+  // ask for; 0 for a room not named and for other kinds.
   void SetRooms(std::map<unsigned long, unsigned long> outputs);
 
   // Asks for the state to persist.
@@ -135,7 +141,7 @@ class HOST_API Host {
   void SetFault(Factory factory, bool fails);
 
   // What the driver has registered, in that order: "notification NAME", "default notification",
-  // "command NAME", "request NAME".
+  // "command NAME", "request NAME", "variable ID NAME" and the type and last arguments of VmAdd.
   const std::vector<std::string>& Registered() const;
 
   IDriver& Driver();

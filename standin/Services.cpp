@@ -35,9 +35,9 @@ bool Services::GetInstance(const char* guid, void** out) {
 
 const std::string& Services::GetRootPath() { return *m_ImageRoot; }
 
-unsigned long Services::GetOutputForRoom(unsigned long roomId, int) {
+unsigned long Services::GetOutputForRoom(unsigned long roomId, int kind) {
   const auto room = rooms.find(roomId);
-  return room == rooms.end() ? 0 : room->second;
+  return kind == 2 && room != rooms.end() ? room->second : 0;
 }
 
 }  // namespace standin

@@ -1,5 +1,7 @@
 #include "host/TqBaseProxyDriver.h"
 
+#include <string>
+
 #include "standin/BindMessage.h"
 #include "standin/CmdMessage.h"
 #include "standin/Services.h"
@@ -33,9 +35,13 @@ void TqBaseProxyDriver::ExecuteCommand(const ICmdMessage& command, ICmdReturn* r
 
 bool TqBaseProxyDriver::TestCondition(const ICondMessage&, unsigned long*) { return false; }
 
-void TqBaseProxyDriver::VmAdd(unsigned long id, const std::string& name, TqTypes::VariableType,
-                              const std::string& value, long, long, const std::string&) {
+void TqBaseProxyDriver::VmAdd(unsigned long id, const std::string& name, TqTypes::VariableType type,
+                              const std::string& value, long first, long second,
+                              const std::string& last) {
   auto& services = Services::Of(m_InstanceManager);
+  services.registered.push_back(
+      "variable " + std::to_string(id) + ' ' + name + ' ' + std::to_string(static_cast<int>(type)) +
+      ' ' + std::to_string(first) + ' ' + std::to_string(second) + " '" + last + '\'');
   services.variables.insert_or_assign(id, Services::Variable{name, value});
   services.observer.OnVariable(Change::Added, id, name, value);
 }
