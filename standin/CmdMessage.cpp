@@ -68,7 +68,6 @@ tq::auto_com<ICmdMessage> ReadCommand(const std::string& xml) {
   const auto read = ReadXml(xml);
   if (!read || read->elements.front().name != "command") return {};
   const std::string name = read->elements.front().Attribute("name");
-  if (name.empty()) return {};
   Params params;
   for (const auto& element : read->elements) {
     if (element.name != "param") continue;

@@ -75,7 +75,7 @@ class Gatherer {
 
   void Start(const char* name, const char** attributes) {
     const std::string_view tag = std::string_view(m_Xml).substr(Position(), EventSize());
-    EscapeOwnEntities(tag);
+    const bool usesOwnEntities = EscapeOwnEntities(tag);
     if (m_Depth == 0) {
       m_Begin = Position();
       m_Content.nameLength = std::string_view(name).size();
@@ -83,7 +83,7 @@ class Gatherer {
     }
     if (m_Depth < 2) {
       m_Content.elements.push_back({name, {}, {}});
-      for (; *attributes; attributes += 2) {
+      for (; *attributes && !usesOwnEntities; attributes += 2) {
         m_Content.elements.back().attributes.emplace_back(attributes[0], attributes[1]);
       }
     }
@@ -107,15 +107,18 @@ class Gatherer {
     Text(text);
   }
 
-  void EscapeOwnEntities(std::string_view tag) {
+  // Whether the start tag uses any; the parser has expanded them in what it reports.
+  bool EscapeOwnEntities(std::string_view tag) {
     static constexpr std::array<std::string_view, 6> known = {"&amp;",  "&lt;",   "&gt;",
                                                               "&quot;", "&apos;", "&#"};
+    const std::size_t before = m_Escaped.size();
     for (auto at = tag.find('&'); at != std::string_view::npos; at = tag.find('&', at + 1)) {
       const bool isKnown = std::any_of(known.begin(), known.end(), [&](std::string_view entity) {
         return tag.substr(at, entity.size()) == entity;
       });
       if (!isKnown) m_Escaped.push_back(Position() + at);
     }
+    return m_Escaped.size() > before;
   }
 
   void CopyRoot() {
