@@ -22,6 +22,8 @@ class HOST_API ICmdMessage {
                               unsigned long value) = 0;
 
   virtual bool HasParam(const std::string& name) const = 0;
+
+  // Decimal text up to its first other character; 0 for a missing parameter or none.
   virtual unsigned long GetParamNumber(const std::string& name) const = 0;
 
  protected:

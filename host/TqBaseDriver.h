@@ -155,8 +155,8 @@ class HOST_API TqBaseDriver : public IBoundDriver,
   tq::auto_com<ICmdMessage> CreateCommandMessageFromXml(const std::string& xml) const;
   tq::auto_com<ICmdMessage> CreateCommandMessageFromName(const std::string& name) const;
 
-  // What the bound device states. Where it states nothing, both return false and leave the second
-  // argument as it is.
+  // What the bound device states; a flag is set by exactly "True". Where it states nothing, both
+  // return false and leave the second argument as it is.
   bool ExtractCapability(const std::string& name, std::string& value) const;
   bool ExtractCapability(const std::string& name, bool& flag) const;
 

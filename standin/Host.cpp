@@ -19,8 +19,9 @@ Observer::~Observer() = default;
 Host::Host(const Plugin& plugin, Observer& observer, std::optional<std::string> imageRoot)
     : m_Services(std::make_unique<Services>(observer, std::move(imageRoot))) {
   const Services::Scope scope(*m_Services);
-  m_Driver = tq::auto_com<IDriver>(plugin.GetCreationFunc()(*m_Services));
-  if (!m_Driver) throw std::runtime_error("the creation function returned no driver");
+  const CreationFunc create = plugin.GetCreationFunc();
+  if (create) m_Driver = tq::auto_com<IDriver>(create(*m_Services));
+  if (!m_Driver) throw std::runtime_error("the plug-in makes no driver");
 }
 
 Host::~Host() { Destroy(); }

@@ -16,8 +16,9 @@
 #include "host/auto_com.h"
 
 // A stand-in for the controller's driver host: it loads a plug-in, delivers messages to its driver
-// and tells an observer what comes out. Everything runs on the caller's thread. Texts are bytes;
-// XML that leaves the stand-in is well-formed XML 1.0 in UTF-8.
+// and tells an observer what comes out. Everything runs on the caller's thread, and only one thread
+// of the process may be in here at a time. Texts are bytes; XML that leaves the stand-in is
+// well-formed XML 1.0 in UTF-8.
 namespace standin {
 
 struct Param {
@@ -67,8 +68,8 @@ class HOST_API Plugin {
   CreationFunc (*m_Entry)();
 };
 
-// The messages to deliver; one may be delivered any number of times. A notification's parameters
-// take no type. Each has one reference, the caller's.
+// The messages to deliver; a host takes no others. One may be delivered any number of times. A
+// notification's parameters take no type. Each has one reference, the caller's.
 HOST_API tq::auto_com<IBindMessage> MakeNotification(const std::string& name, Params params);
 // `xml` is the whole message: the children of its root are the parameters, and a root `command`
 // with an attribute `name` makes it a message that carries that command. Text that does not parse
@@ -89,7 +90,8 @@ struct Ledger {
   std::size_t commandMessages;
   std::size_t bindMessages;
 
-  bool Empty() const { return nodes + documents + commandMessages + bindMessages == 0; }
+  std::size_t Total() const { return nodes + documents + commandMessages + bindMessages; }
+  bool Empty() const { return Total() == 0; }
 };
 HOST_API Ledger GetLedger();
 
@@ -98,8 +100,9 @@ enum class Factory : unsigned { Node, Document, CommandMessage, Clone, BindMessa
 
 class Services;
 
-// The part of a driver host that serves one driver. Calls into the driver let the driver's
-// exceptions through. After Destroy, no operation but the destructor may be called.
+// The part of a driver host that serves one driver, which derives from TqBaseProxyDriver. Calls
+// into the driver let its exceptions through. After Destroy, no operation but the destructor may be
+// called.
 class HOST_API Host {
  public:
   // Creates the driver, not yet initialized. `imageRoot` is what the path service answers, with its
@@ -144,6 +147,7 @@ class HOST_API Host {
   // "command NAME", "request NAME", "variable ID NAME" and the type and last arguments of VmAdd.
   const std::vector<std::string>& Registered() const;
 
+  // The driver, for calls that this class has no operation for. Belongs to the host.
   IDriver& Driver();
   TqBaseProxyDriver& Object();
 

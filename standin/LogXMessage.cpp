@@ -12,12 +12,12 @@ void LogXMessage(unsigned int level, const char* format, ...) {
   if (!services) return;
   std::va_list arguments;
   va_start(arguments, format);
-  std::va_list again;
-  va_copy(again, arguments);
   const int size = std::vsnprintf(nullptr, 0, format, arguments);
-  std::string text(size < 0 ? 0 : static_cast<std::size_t>(size), '\0');
-  if (size > 0) std::vsnprintf(text.data(), text.size() + 1, format, again);
-  va_end(again);
+  va_end(arguments);
+  if (size < 0) return;
+  std::string text(static_cast<std::size_t>(size), '\0');
+  va_start(arguments, format);
+  std::vsnprintf(text.data(), text.size() + 1, format, arguments);
   va_end(arguments);
   services->observer.OnLog(level, text);
 }
