@@ -28,11 +28,6 @@ struct Delivery {
   void operator()(const Persist&) const { host.Persist(); }
 };
 
-std::size_t ObjectsHeld() {
-  const standin::Ledger ledger = standin::GetLedger();
-  return ledger.nodes + ledger.documents + ledger.commandMessages + ledger.bindMessages;
-}
-
 }  // namespace
 
 Replay::Replay(const ReplayOptions& options, const standin::Plugin& plugin, Session& session,
@@ -49,7 +44,7 @@ int Replay::Run() {
   if (m_Status == s_Ran) Attempt([this] { PlayRounds(); });
   m_Kept.clear();
   m_Figures.lines = std::max(m_Step, m_Session.Lines());
-  m_Figures.objectsHeld = ObjectsHeld();
+  m_Figures.objectsHeld = standin::GetLedger().Total();
   Destroy();
   m_Figures.seconds =
       std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();

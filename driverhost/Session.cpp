@@ -13,6 +13,8 @@ namespace driverhost {
 
 namespace {
 
+constexpr std::string_view s_ByteOrderMark = "\xEF\xBB\xBF";
+
 bool IsSkipped(std::string_view line) {
   return line.find_first_not_of(" \t") == std::string_view::npos || line.front() == '#';
 }
@@ -48,6 +50,9 @@ std::optional<std::string_view> Session::ReadLine() {
   if (size < 0) return std::nullopt;
   ++m_Lines;
   std::string_view text(line, static_cast<std::size_t>(size));
+  if (m_Lines == 1 && text.substr(0, s_ByteOrderMark.size()) == s_ByteOrderMark) {
+    text.remove_prefix(s_ByteOrderMark.size());
+  }
   if (!text.empty() && text.back() == '\n') text.remove_suffix(1);
   if (!text.empty() && text.back() == '\r') text.remove_suffix(1);
   return text;

@@ -9,12 +9,14 @@
 #include <stdexcept>
 #include <string>
 
+#include <fcntl.h>
 #include <unistd.h>
 #include <CLI/CLI.hpp>
 
 #include "driverhost/ImageRoot.h"
 #include "driverhost/Interrupt.h"
 #include "driverhost/JsonTraffic.h"
+#include "driverhost/Legible.h"
 #include "driverhost/Number.h"
 #include "driverhost/Output.h"
 #include "driverhost/Replay.h"
@@ -68,7 +70,8 @@ void Describe(CLI::App& app, CommandLine& line) {
                   "A session file, - for standard input [the demonstration]")
       ->type_name("");
   replay.add_option("--driver", line.driver, "The plug-in to load [the one that came along]")
-      ->type_name("FILE");
+      ->type_name("FILE")
+      ->check(notEmpty);
   replay
       .add_option("--image-root", line.replay.imageRoot,
                   "The directory below which pictures are written [a new temporary one]")
@@ -105,6 +108,13 @@ int RunReplay(CommandLine& line) {
   return status;
 }
 
+// A file that took the place of a closed standard descriptor would be mixed up with it.
+void OpenStandardDescriptors() {
+  int opened = 0;
+  while (opened >= 0 && opened <= STDERR_FILENO) opened = open("/dev/null", O_RDWR);
+  if (opened > STDERR_FILENO) close(opened);
+}
+
 int Run(int argc, char** argv) {
   CLI::App app("The bench host for driver plug-ins", "driverhost");
   CommandLine line;
@@ -125,12 +135,13 @@ int Run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   try {
+    OpenStandardDescriptors();
     return Run(argc, argv);
   } catch (const SessionError& error) {
     std::fprintf(stderr, "%s\n", error.what());
     return s_Wrong;
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "driverhost: %s\n", error.what());
+    std::fprintf(stderr, "driverhost: %s\n", Legible(error.what(), 1000).c_str());
     return s_Failed;
   }
 }
