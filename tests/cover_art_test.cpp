@@ -11,24 +11,21 @@
 #include <random>
 
 #include <gtest/gtest.h>
-#include <modp_b64.h>
 
+#include "driverhost/Base64.h"
 #include "tests/Bench.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
-std::string Base64(const std::string& bytes) {
-  std::string text(modp_b64_encode_len(bytes.size()), '\0');
-  text.resize(modp_b64_encode(text.data(), bytes.data(), bytes.size()));
-  return text;
-}
-
 Step Cover(const std::string& format, const std::string& bytes, const std::string& width, const std::string& height,
            const std::string& size = "") {
-  return Ntf("NEW_COVERART",
-             {{"size", size}, {"format", format}, {"height", height}, {"width", width}, {"cover_art", Base64(bytes)}});
+  return Ntf("NEW_COVERART", {{"size", size},
+                              {"format", format},
+                              {"height", height},
+                              {"width", width},
+                              {"cover_art", driverhost::EncodeBase64(bytes)}});
 }
 
 std::string Announced(const std::string& width, const std::string& height) {

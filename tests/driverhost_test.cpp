@@ -63,6 +63,7 @@ Json WithTrees(Json value) {
 // Each file of cases holds session lines, each followed by the traffic that it causes; a comment
 // begins a case, which has a driver of its own.
 TEST(Driverhost, SendsWhatEachCaseSays) {
+  std::size_t cases = 0;
   for (const auto& file : fs::directory_iterator(CASES)) {
     std::istringstream lines(ReadFile(file.path()));
     std::string what;
@@ -71,6 +72,7 @@ TEST(Driverhost, SendsWhatEachCaseSays) {
     int step = 0;
     const auto finish = [&] {
       if (what.empty()) return;
+      ++cases;
       const Ended ended = Shell("$D replay --json --id 7 - <s", session);
       EXPECT_EQ(ended.status, 0) << ended.error;
       Json came = Lines(ended.out);
@@ -94,6 +96,7 @@ TEST(Driverhost, SendsWhatEachCaseSays) {
     }
     finish();
   }
+  EXPECT_GT(cases, 50U);
 }
 
 TEST(Driverhost, PlaysARecordedEveningAsItDidBefore) {
@@ -138,32 +141,33 @@ TEST(Driverhost, TellsWhatIsWrongWithALine) {
       {R"({"notify":"A","class":"B"})", "class"},
       {R"({"notify":"A","notify":"B"})", "notify.*twice"},
       {R"({"notify":"A","params":{"p":"1","p":"2"}})", "p.*twice"},
-      {R"({"notify":"A","params":{},"xml":"<a/>"})", "xml"},
-      {R"({"notify":5})", "notify"},
-      {R"({"notify":"A","params":[]})", "params"},
-      {R"({"notify":"A","params":{"p":5}})", "p"},
-      {R"({"notify":"A","params":{"p":{}}})", "p"},
+      {R"({"notify":"A","params":{},"xml":"<a/>"})", "\"xml\""},
+      {R"({"notify":5})", "\"notify\" must"},
+      {R"({"notify":"A","params":[]})", "\"params\" must"},
+      {R"({"notify":"A","params":{"p":5}})", "\"p\" must"},
+      {R"({"notify":"A","params":{"p":{}}})", "\"p\" must"},
       {R"({"notify":"A","params":{"p":{"bytes":"A"}}})", "base64"},
-      {R"({"notify":"A","params":{"p":{"bytes":"QQ==","x":1}}})", "p"},
+      {R"({"notify":"A","params":{"p":{"bytes":"QQ==","x":1}}})", "\"p\" must"},
       {R"({"notify":"A","params":{"p":{"base64_of_file":"none"}}})", "none"},
       {R"({"notify":"A","params":{"p":{"base64_of_file":"."}}})", "directory"},
-      {R"({"command":"A","params":{"p":1.5}})", "p"},
-      {R"({"command":"A","xml":"<a/>"})", "xml"},
-      {R"({"command":"A","params":{"p":true}})", "p"},
-      {R"({"bind":-1})", "bind"},
+      {R"({"command":"A","params":{"p":1.5}})", "\"p\" must"},
+      {R"({"command":"A","xml":"<a/>"})", "\"xml\""},
+      {R"({"command":"A","params":{"p":true}})", "\"p\" must"},
+      {R"({"bind":-1})", "\"bind\" must"},
       {R"({"bind":18446744073709551616})", "bind"},
-      {R"({"bind":"5001"})", "bind"},
-      {R"({"bind":1,"capabilities":{"c":1}})", "c"},
-      {R"({"bind":1,"class":2})", "class"},
-      {R"({"rooms":{"x":1}})", "x"},
+      {R"({"bind":"5001"})", "\"bind\" must"},
+      {R"({"bind":1,"capabilities":{"c":1}})", "\"c\" must"},
+      {R"({"bind":1,"class":2})", "\"class\" must"},
+      {R"({"rooms":{"x":1}})", "\"x\" must"},
       {R"({"rooms":{"":1}})", "room"},
       {R"({"rooms":{"-1":1}})", "-1"},
       {R"({"rooms":{"18446744073709551616":1}})", "18446744073709551616"},
-      {R"({"rooms":{"5":-3}})", "5"},
-      {R"({"persist":false})", "persist"},
+      {R"({"rooms":{"5":-3}})", "\"5\" must"},
+      {R"({"persist":false})", "\"persist\" must"},
   };
   for (const auto& test : cases) {
-    const Ended ended = Shell("$D replay --json s", "# a comment\n{\"notify\":\"A\"}\r\n\n" + std::string(test.line));
+    const Ended ended =
+        Shell("$D replay --json s", "\xEF\xBB\xBF# a comment\n{\"notify\":\"A\"}\r\n\r\n" + std::string(test.line));
     EXPECT_EQ(ended.status, 2) << test.line;
     EXPECT_TRUE(Finds(ended.error, "^s:4: [^\n]*(" + std::string(test.error) + ")[^\n]*\n"))
         << test.line << " said " << ended.error;
@@ -210,6 +214,9 @@ TEST(Driverhost, EndsAsItSays) {
   const std::string one = "{\"notify\":\"A\",\"params\":{\"p\":\"v\"}}\n";
   std::string many;
   for (int i = 0; i < 5000; ++i) many += one;
+  const std::string cover = R"({"notify":"NEW_COVERART","params":{"format":"RGB888","width":"3","height":"2",)"
+                            R"("cover_art":"AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA"}})"
+                            "\n{\"request\":\"NONE\"}";
   const struct {
     const char* command;
     std::string session;
@@ -223,9 +230,15 @@ TEST(Driverhost, EndsAsItSays) {
       {"$D replay s --quiet --repeat 3", one, 0, "^$", "3 lines?, 3 messages?(.|\n)*objects held"},
       {"cd / && $D replay --json --image-root /proc/x " SESSIONS "/demo.ndjson", "", 0,
        "\"level\":3,\"text\":\"ipod::Initialize: failed to create ipod image directory \\(/proc/x/ipod/1\\)\"", ""},
-      {"$D replay s | head -1", many, 0, "create", "^$"},
+      {"($D replay s; echo status $? >&2) | head -1", many, 0, "create", "^status 0\n$"},
       {"$D replay s >/dev/full", many, 1, "^$", "No space"},
-      {"(cat s; sleep 2) | timeout -s INT 1 $D replay -", one, 124, "A", "1 lines?, 1 messages?"},
+      {"(cat s; sleep 2) | timeout --preserve-status -s INT 1 $D replay -", one, 0, "A", "1 lines?, 1 messages?"},
+      {"$D replay s", cover, 0, "file *[^ ]*/ipod/1/coverart.jpg, [0-9]+ bytes, JPEG 3 x 2\n(.|\n)*answer *\\(none\\)",
+       ""},
+      {"$D replay s <&- >&-", one, 0, "^$", "1 lines?, 1 messages?"},
+      {"$D replay s", "{\"notify\":\"" + std::string(500, 'x') + "\"}", 0, "xxx\\.\\.\\. \\([0-9]+ bytes\\)\n", ""},
+      {"$D replay --driver " LEAKY_PLUGIN " s", one, 1, "create", "makes no driver\n(.|\n)*held.*: 2 nodes\n"},
+      {"$D replay --driver '' s", one, 2, "^$", "empty"},
       {"$D replay --driver none s", one, 1, "^$", "none.*No such file"},
       {"$D replay --driver s s", one, 1, "^$", "s: .*(header|short)"},
       {"$D replay --driver " STANDIN " s", one, 1, "^$", "GetCreationFunc"},
