@@ -6,12 +6,13 @@
 
 namespace {
 
-// Empty when the text is not base64 from end to end.
-std::string DecodeStrictly(const std::string& text) {
-  std::string bytes(modp_b64_decode_len(text.size()), '\0');
+// False when the text is not base64 from end to end.
+bool DecodeStrictly(const std::string& text, std::string& bytes) {
+  bytes.resize(modp_b64_decode_len(text.size()));
   const std::size_t size = modp_b64_decode(bytes.data(), text.data(), text.size());
-  bytes.resize(size == static_cast<std::size_t>(-1) ? 0 : size);
-  return bytes;
+  const bool valid = size != static_cast<std::size_t>(-1);
+  bytes.resize(valid ? size : 0);
+  return valid;
 }
 
 bool IsSpace(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
@@ -22,9 +23,12 @@ Base64Encoder::Base64Encoder() = default;
 
 Base64Encoder::~Base64Encoder() = default;
 
+// Most texts have no spaces: they are looked for when the text is not valid as it is.
 std::string Base64Encoder::Base64Decode(const std::string& text) {
-  if (std::none_of(text.begin(), text.end(), IsSpace)) return DecodeStrictly(text);
+  std::string bytes;
+  if (DecodeStrictly(text, bytes)) return bytes;
   std::string solid(text.size(), '\0');
   solid.erase(std::remove_copy_if(text.begin(), text.end(), solid.begin(), IsSpace), solid.end());
-  return DecodeStrictly(solid);
+  DecodeStrictly(solid, bytes);
+  return bytes;
 }

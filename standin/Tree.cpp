@@ -10,6 +10,13 @@
 
 namespace standin {
 
+namespace {
+
+// Holds most documents of a driver without growing.
+constexpr std::size_t s_UsualSize = 255;
+
+}  // namespace
+
 unsigned long Element::AddRef() { return m_Tree.AddRef(); }
 
 unsigned long Element::Release() { return m_Tree.Release(); }
@@ -34,7 +41,7 @@ void Element::SetNameValue(const std::string& name, const std::string& value) {
 }
 
 Element& Element::AddChild(const char* name, const char* value) {
-  std::forward_list<Element> made;
+  std::pmr::forward_list<Element> made(&m_Tree.m_Memory);
   Element& child = made.emplace_front(m_Tree, this);
   const bool open = m_Tree.IsOpen(*this);
   const std::size_t offset = m_Tree.Append(*this, [&](std::string& xml) {
@@ -74,7 +81,9 @@ void Element::WriteEnd(std::string& xml, const std::string& text) const {
   xml += '>';
 }
 
-Tree::Tree() : Counted(&Ledger::nodes), m_Root(*this, nullptr), m_Open(&m_Root) {}
+Tree::Tree() : Counted(&Ledger::nodes), m_Root(*this, nullptr), m_Open(&m_Root) {
+  m_Text.reserve(s_UsualSize);
+}
 
 Tree::Tree(std::string text, std::size_t nameLength, std::size_t headEnd, std::size_t contentEnd)
     : Counted(&Ledger::documents),
@@ -101,7 +110,13 @@ std::string Tree::Text(const Element& element) const {
                m_Text.find('>', element.m_ContentEnd) + 1 - element.m_ContentEnd);
     return xml;
   }
-  std::string xml = m_Text.substr(element.m_Begin);
+  std::size_t size = m_Text.size() - element.m_Begin;
+  for (const Element* open = m_Open; open != element.m_Parent; open = open->m_Parent) {
+    size += open->m_NameLength + 3;
+  }
+  std::string xml;
+  xml.reserve(size);
+  xml.append(m_Text, element.m_Begin);
   for (const Element* open = m_Open; open != element.m_Parent; open = open->m_Parent) {
     open->WriteEnd(xml, m_Text);
   }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <forward_list>
+#include <memory_resource>
 #include <string>
 #include <string_view>
 
@@ -75,9 +76,13 @@ class Tree final : public Counted<Tree, TqXML::IDocument> {
   std::size_t Append(Element& element, Write write);
   std::size_t InsertIntoClosed(Element& element, const std::string& content);
 
+  // Bytes; each further block of children is larger.
+  static constexpr std::size_t s_FirstBlock = 512;
+
   std::string m_Text;
   Element m_Root;
-  std::forward_list<Element> m_Children;
+  std::pmr::monotonic_buffer_resource m_Memory{s_FirstBlock};
+  std::pmr::forward_list<Element> m_Children{&m_Memory};
 
   // The innermost element without an end tag; its ancestors have none either.
   Element* m_Open;

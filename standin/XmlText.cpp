@@ -1,9 +1,12 @@
 #include "standin/XmlText.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 
 namespace standin {
+
+using namespace std::literals;
 
 namespace {
 
@@ -65,21 +68,32 @@ struct Escapes {
   }
 };
 
-void AppendEscaped(std::string& xml, std::string_view text, const Escapes& escapes) {
-  std::size_t copied = 0;
-  for (std::size_t i = 0; i < text.size();) {
-    const auto byte = static_cast<unsigned char>(text[i]);
-    const Writing writing = escapes.writing[byte];
-    Sequence sequence{1, true};
-    if (writing == Writing::Sequence) sequence = ReadSequence(text.substr(i));
-    if (writing == Writing::InPlace || !sequence.valid) {
-      xml.append(text, copied, i - copied);
-      xml += writing == Writing::InPlace ? escapes.inPlace[byte] : s_Replacement;
-      copied = i + sequence.length;
-    }
-    i += sequence.length;
+// The length of the head of `text` that is written as it is.
+std::size_t PlainLength(std::string_view text, const Escapes& escapes) {
+  std::size_t length = 0;
+  while (length < text.size() &&
+         escapes.writing[static_cast<unsigned char>(text[length])] == Writing::Same) {
+    ++length;
   }
-  xml.append(text, copied, text.size() - copied);
+  return length;
+}
+
+void AppendEscaped(std::string& xml, std::string_view text, const Escapes& escapes) {
+  for (;;) {
+    const std::size_t plain = PlainLength(text, escapes);
+    xml += text.substr(0, plain);
+    text.remove_prefix(plain);
+    if (text.empty()) return;
+    const auto byte = static_cast<unsigned char>(text[0]);
+    Sequence sequence{1, false};
+    if (escapes.writing[byte] == Writing::Sequence) sequence = ReadSequence(text);
+    if (sequence.valid) {
+      xml += text.substr(0, sequence.length);
+    } else {
+      xml += escapes.writing[byte] == Writing::InPlace ? escapes.inPlace[byte] : s_Replacement;
+    }
+    text.remove_prefix(sequence.length);
+  }
 }
 
 constexpr Escapes s_TextEscapes(false);
@@ -89,8 +103,28 @@ constexpr bool IsNameStart(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
 }
 
-constexpr bool IsName(char c) {
-  return IsNameStart(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
+constexpr std::array<bool, 256> NameBytes() {
+  std::array<bool, 256> bytes{};
+  for (std::size_t i = 0; i < 256; ++i) {
+    const char c = static_cast<char>(i);
+    bytes[i] = IsNameStart(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
+  }
+  return bytes;
+}
+constexpr auto s_NameBytes = NameBytes();
+
+bool IsNameByte(char c) { return s_NameBytes[static_cast<unsigned char>(c)]; }
+
+bool IsName(std::string_view name) {
+  return !name.empty() && IsNameStart(name[0]) && std::all_of(name.begin(), name.end(), IsNameByte);
+}
+
+// In one growth, which is what short texts cost most.
+template <class... Pieces>
+void Append(std::string& xml, Pieces... pieces) {
+  std::size_t at = xml.size();
+  xml.resize(at + (pieces.size() + ...));
+  ((at += pieces.copy(xml.data() + at, pieces.size())), ...);
 }
 
 }  // namespace
@@ -108,25 +142,31 @@ void AppendAttribute(std::string& xml, std::string_view name, std::string_view v
 }
 
 void AppendName(std::string& xml, std::string_view name) {
+  if (IsName(name)) {
+    xml += name;
+    return;
+  }
   if (name.empty() || !IsNameStart(name[0])) {
     xml += '_';
-    if (!name.empty() && !IsName(name[0])) name.remove_prefix(1);
+    if (!name.empty() && !IsNameByte(name[0])) name.remove_prefix(1);
   }
-  for (const char c : name) xml += IsName(c) ? c : '_';
+  for (const char c : name) xml += IsNameByte(c) ? c : '_';
 }
 
 void AppendElement(std::string& xml, std::string_view name, std::string_view text) {
-  xml += '<';
-  AppendName(xml, name);
-  if (text.empty()) {
-    xml += "/>";
-    return;
+  if (!IsName(name)) {
+    std::string valid;
+    AppendName(valid, name);
+    AppendElement(xml, valid, text);
+  } else if (text.empty()) {
+    Append(xml, "<"sv, name, "/>"sv);
+  } else if (PlainLength(text, s_TextEscapes) == text.size()) {
+    Append(xml, "<"sv, name, ">"sv, text, "</"sv, name, ">"sv);
+  } else {
+    Append(xml, "<"sv, name, ">"sv);
+    AppendText(xml, text);
+    Append(xml, "</"sv, name, ">"sv);
   }
-  xml += '>';
-  AppendText(xml, text);
-  xml += "</";
-  AppendName(xml, name);
-  xml += '>';
 }
 
 }  // namespace standin
