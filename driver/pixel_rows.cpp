@@ -1,18 +1,44 @@
 #include "driver/pixel_rows.h"
 
-void Unpack565(const unsigned char* source, unsigned char* rgb, std::size_t pixels) {
+#include <cstddef>
+
+// Compilers turn the loops below into vector code only for processors that can shuffle bytes, which
+// x86-64 does not promise. There the loader picks the copy of a loop that suits the processor.
+#if defined(__x86_64__) && defined(__GLIBC__)
+#define COPY_PER_PROCESSOR __attribute__((target_clones("avx2", "ssse3", "default")))
+#else
+#define COPY_PER_PROCESSOR
+#endif
+
+// Clang links such copies only to callers in the same source.
+namespace {
+
+COPY_PER_PROCESSOR
+void Widen565(const unsigned char* source, unsigned char* rgb, std::size_t pixels) {
   for (std::size_t i = 0; i < pixels; ++i) {
-    const unsigned word = source[2 * i] | (source[2 * i + 1] << 8U);
-    rgb[3 * i] = static_cast<unsigned char>((word >> 8U) & 0xF8U);
-    rgb[3 * i + 1] = static_cast<unsigned char>((word >> 3U) & 0xFCU);
-    rgb[3 * i + 2] = static_cast<unsigned char>((word << 3U) & 0xF8U);
+    const unsigned low = source[2 * i];
+    const unsigned high = source[2 * i + 1];
+    rgb[3 * i] = static_cast<unsigned char>(high & 0xF8U);
+    rgb[3 * i + 1] = static_cast<unsigned char>((high << 5U) | ((low >> 3U) & 0x1CU));
+    rgb[3 * i + 2] = static_cast<unsigned char>(low << 3U);
   }
 }
 
-void Unpack888(const unsigned char* source, unsigned char* rgb, std::size_t pixels) {
+COPY_PER_PROCESSOR
+void Reverse888(const unsigned char* source, unsigned char* rgb, std::size_t pixels) {
   for (std::size_t i = 0; i < pixels; ++i) {
     rgb[3 * i] = source[4 * i + 2];
     rgb[3 * i + 1] = source[4 * i + 1];
     rgb[3 * i + 2] = source[4 * i];
   }
+}
+
+}  // namespace
+
+void Unpack565(const unsigned char* source, unsigned char* rgb, std::size_t pixels) {
+  Widen565(source, rgb, pixels);
+}
+
+void Unpack888(const unsigned char* source, unsigned char* rgb, std::size_t pixels) {
+  Reverse888(source, rgb, pixels);
 }
