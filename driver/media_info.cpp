@@ -6,6 +6,8 @@
 
 namespace {
 
+bool IsStripped(char c) { return c == '"' || c == ' '; }
+
 // A text of nothing but quotes and blanks stays as it is.
 std::string TrimQuotesAndSpaces(std::string text) {
   static constexpr char stripped[] = "\" ";
@@ -23,7 +25,12 @@ void media::MediaInfo::Clear() { *this = MediaInfo(); }
 void media::MediaInfo::AddToINode(TqXML::INode* node, bool includeImage) const {
   if (!m_Valid) return;
   const auto add = [node](const char* name, const std::string& text) {
-    if (!text.empty()) node->AddNamedValue(name, TrimQuotesAndSpaces(text));
+    if (text.empty()) return;
+    if (IsStripped(text.front()) || IsStripped(text.back())) {
+      node->AddNamedValue(name, TrimQuotesAndSpaces(text));
+    } else {
+      node->AddNamedValue(name, text);
+    }
   };
   add("label_1", m_Line1);
   add("label_2", m_Line2);

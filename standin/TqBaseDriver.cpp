@@ -6,6 +6,7 @@
 #include "standin/BindMessage.h"
 #include "standin/CmdMessage.h"
 #include "standin/Services.h"
+#include "standin/Tree.h"
 #include "standin/XmlText.h"
 
 using standin::BindMessage;
@@ -40,7 +41,8 @@ tq::auto_com<TqXML::INode> TqBaseDriver::UIRequest(const ICmdMessage& request) {
 }
 
 void TqBaseDriver::ConSendDataToUI(const TqXML::INode& node) {
-  Services::Of(m_InstanceManager).observer.OnUi(node.GetXmlString());
+  const standin::WholeText text(static_cast<const standin::Element&>(node));
+  Services::Of(m_InstanceManager).observer.OnUi(text.Get());
 }
 
 void TqBaseDriver::SendDataToUISimple(const std::string& name, const std::string& value) {

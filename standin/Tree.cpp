@@ -47,7 +47,7 @@ Element& Element::AddChild(const char* name, const char* value) {
   const std::size_t offset = m_Tree.Append(*this, [&](std::string& xml) {
     child.WriteHead(xml, name, value);
     child.m_ContentEnd = xml.size();
-    if (!open) child.WriteEnd(xml, xml);
+    if (!open) child.WriteEnd(xml, xml, xml.size() == child.m_HeadEnd);
   });
   child.m_Begin += offset;
   child.m_HeadEnd += offset;
@@ -71,8 +71,8 @@ void Element::WriteHead(std::string& xml, std::string_view name, std::string_vie
   m_HeadEnd = headEnd;
 }
 
-void Element::WriteEnd(std::string& xml, const std::string& text) const {
-  if (text.size() == m_HeadEnd) {
+void Element::WriteEnd(std::string& xml, const std::string& text, bool empty) const {
+  if (empty) {
     xml += "/>";
     return;
   }
@@ -110,17 +110,36 @@ std::string Tree::Text(const Element& element) const {
                m_Text.find('>', element.m_ContentEnd) + 1 - element.m_ContentEnd);
     return xml;
   }
-  std::size_t size = m_Text.size() - element.m_Begin;
+  std::string xml;
+  xml.reserve(m_Text.size() - element.m_Begin + EndsSize(element));
+  xml.append(m_Text, element.m_Begin);
+  AppendEnds(xml, element);
+  return xml;
+}
+
+std::size_t Tree::EndsSize(const Element& element) const {
+  std::size_t size = 0;
   for (const Element* open = m_Open; open != element.m_Parent; open = open->m_Parent) {
     size += open->m_NameLength + 3;
   }
-  std::string xml;
-  xml.reserve(size);
-  xml.append(m_Text, element.m_Begin);
+  return size;
+}
+
+void Tree::AppendEnds(std::string& xml, const Element& element) const {
+  bool empty = m_Text.size() == m_Open->m_HeadEnd;
   for (const Element* open = m_Open; open != element.m_Parent; open = open->m_Parent) {
-    open->WriteEnd(xml, m_Text);
+    open->WriteEnd(xml, m_Text, std::exchange(empty, false));
   }
-  return xml;
+}
+
+WholeText::WholeText(const Element& element)
+    : m_Tree(element.m_Tree), m_Size(m_Tree.m_Text.size()), m_IsRoot(&element == &m_Tree.m_Root) {
+  if (!m_IsRoot) {
+    m_Copy = element.GetXmlString();
+  } else if (m_Tree.m_Open && element.m_NameLength > 0) {
+    m_Tree.m_Text.reserve(m_Size + m_Tree.EndsSize(element));
+    m_Tree.AppendEnds(m_Tree.m_Text, element);
+  }
 }
 
 template <class Write>
@@ -136,7 +155,7 @@ std::size_t Tree::Append(Element& element, Write write) {
   try {
     for (; m_Open != &element; m_Open = m_Open->m_Parent) {
       m_Open->m_ContentEnd = m_Text.size();
-      m_Open->WriteEnd(m_Text, m_Text);
+      m_Open->WriteEnd(m_Text, m_Text, m_Text.size() == m_Open->m_HeadEnd);
     }
     if (m_Text.size() == element.m_HeadEnd) m_Text += '>';
     write(m_Text);

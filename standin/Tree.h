@@ -31,12 +31,13 @@ class Element final : public TqXML::INode {
 
  private:
   friend class Tree;
+  friend class WholeText;
 
   // Begins the element at the end of `xml`.
   void WriteHead(std::string& xml, std::string_view name, std::string_view value);
 
-  // `text` holds the element from its head on, but for the end tag.
-  void WriteEnd(std::string& xml, const std::string& text) const;
+  // `text` holds the element from its head on. An empty element's end is its head's.
+  void WriteEnd(std::string& xml, const std::string& text, bool empty) const;
 
   Tree& m_Tree;
   Element* const m_Parent;
@@ -64,11 +65,16 @@ class Tree final : public Counted<Tree, TqXML::IDocument> {
 
  private:
   friend class Element;
+  friend class WholeText;
 
   bool IsOpen(const Element& element) const;
 
   // The element with its content and the end tags that are still missing.
   std::string Text(const Element& element) const;
+
+  // The end tags that are still missing in an open element.
+  std::size_t EndsSize(const Element& element) const;
+  void AppendEnds(std::string& xml, const Element& element) const;
 
   // Adds what `write` appends to its argument as the last content of the element. Returns where in
   // the tree's text that argument begins. A failure leaves the tree as it was.
@@ -86,6 +92,24 @@ class Tree final : public Counted<Tree, TqXML::IDocument> {
 
   // The innermost element without an end tag; its ancestors have none either.
   Element* m_Open;
+};
+
+// The text of an element, without a copy where it is a tree's root. The tree does not change as
+// long as the object lives.
+class WholeText {
+ public:
+  explicit WholeText(const Element& element);
+  ~WholeText() { m_Tree.m_Text.resize(m_Size); }
+  WholeText(const WholeText&) = delete;
+  WholeText& operator=(const WholeText&) = delete;
+
+  const std::string& Get() const { return m_IsRoot ? m_Tree.m_Text : m_Copy; }
+
+ private:
+  Tree& m_Tree;
+  const std::size_t m_Size;
+  const bool m_IsRoot;
+  std::string m_Copy;
 };
 
 }  // namespace standin

@@ -71,9 +71,13 @@ struct Escapes {
 // The length of the head of `text` that is written as it is.
 std::size_t PlainLength(std::string_view text, const Escapes& escapes) {
   std::size_t length = 0;
-  while (length < text.size() &&
-         escapes.writing[static_cast<unsigned char>(text[length])] == Writing::Same) {
-    ++length;
+  while (length < text.size()) {
+    const Writing writing = escapes.writing[static_cast<unsigned char>(text[length])];
+    if (writing == Writing::InPlace) break;
+    const Sequence sequence =
+        writing == Writing::Same ? Sequence{1, true} : ReadSequence(text.substr(length));
+    if (!sequence.valid) break;
+    length += sequence.length;
   }
   return length;
 }
@@ -85,14 +89,9 @@ void AppendEscaped(std::string& xml, std::string_view text, const Escapes& escap
     text.remove_prefix(plain);
     if (text.empty()) return;
     const auto byte = static_cast<unsigned char>(text[0]);
-    Sequence sequence{1, false};
-    if (escapes.writing[byte] == Writing::Sequence) sequence = ReadSequence(text);
-    if (sequence.valid) {
-      xml += text.substr(0, sequence.length);
-    } else {
-      xml += escapes.writing[byte] == Writing::InPlace ? escapes.inPlace[byte] : s_Replacement;
-    }
-    text.remove_prefix(sequence.length);
+    const bool inPlace = escapes.writing[byte] == Writing::InPlace;
+    xml += inPlace ? escapes.inPlace[byte] : s_Replacement;
+    text.remove_prefix(inPlace ? 1 : ReadSequence(text).length);
   }
 }
 
