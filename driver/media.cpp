@@ -37,17 +37,37 @@ media::media(IInstanceManager& im)
   media::RegisterConditionals();
 }
 
-media::~media() { media::UnregisterVariables(); }
+// What the host throws here has nowhere to go: it would end the process.
+media::~media() {
+  try {
+    media::UnregisterVariables();
+  } catch (...) {
+  }
+}
 
 namespace {
 
+namespace fs = boost::filesystem;
+
+bool IsMissing(const fs::path& path) {
+  const fs::file_type type = fs::status(path).type();
+  return type == fs::status_error || type == fs::file_not_found;
+}
+
+// Each missing parent is made by a call of its own: where create_directories makes one on the way,
+// running out of memory ends the process.
+void CreateDirectories(const std::string& directory) {
+  for (std::size_t end = 0; end != std::string::npos;) {
+    end = directory.find('/', end + 1);
+    const fs::path path(directory.substr(0, end));
+    if (IsMissing(path)) fs::create_directories(path);
+  }
+}
+
 // What exists already stays as it is, whatever it is.
 void CreateImageDirectory(const std::string& directory) {
-  namespace fs = boost::filesystem;
   try {
-    const fs::path path(directory);
-    const fs::file_type type = fs::status(path).type();
-    if (type == fs::status_error || type == fs::file_not_found) fs::create_directories(path);
+    if (IsMissing(directory)) CreateDirectories(directory);
   } catch (...) {
     LogXMessage(3, "ipod::Initialize: failed to create ipod image directory (%s)",
                 directory.c_str());
