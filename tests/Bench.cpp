@@ -121,7 +121,6 @@ std::string Canonical(const std::string& xml) {
   if (!document) return {};
   xmlChar* text = nullptr;
   const int size = xmlC14NDocDumpMemory(document.get(), nullptr, XML_C14N_1_0, nullptr, 1, &text);
-  std::string canonical(reinterpret_cast<const char*>(text), static_cast<std::size_t>(size));
-  xmlFree(text);
-  return canonical;
+  const std::unique_ptr<xmlChar, decltype(xmlFree)> owned(text, xmlFree);
+  return {reinterpret_cast<const char*>(text), static_cast<std::size_t>(size)};
 }

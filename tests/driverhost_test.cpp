@@ -127,50 +127,12 @@ TEST(Driverhost, WritesPicturesThatDecode) {
 }
 
 TEST(Driverhost, TellsWhatIsWrongWithALine) {
-  const struct {
-    const char* line;
-    const char* error;  // a regular expression
-  } cases[] = {
-      {"x", "not JSON"},
-      {"[]", "object"},
-      {"{", "not JSON"},
-      {"{}", "none of"},
-      {"{\"notify\":\"A\xFF\"}", "not JSON|UTF-8"},
-      {R"({"notify":"A"} x)", "not JSON"},
-      {R"({"notify":"A","command":"B"})", "command|main"},
-      {R"({"notify":"A","class":"B"})", "class"},
-      {R"({"notify":"A","notify":"B"})", "notify.*twice"},
-      {R"({"notify":"A","params":{"p":"1","p":"2"}})", "p.*twice"},
-      {R"({"notify":"A","params":{},"xml":"<a/>"})", "\"xml\""},
-      {R"({"notify":5})", "\"notify\" must"},
-      {R"({"notify":"A","params":[]})", "\"params\" must"},
-      {R"({"notify":"A","params":{"p":5}})", "\"p\" must"},
-      {R"({"notify":"A","params":{"p":{}}})", "\"p\" must"},
-      {R"({"notify":"A","params":{"p":{"bytes":"A"}}})", "base64"},
-      {R"({"notify":"A","params":{"p":{"bytes":"QQ==","x":1}}})", "\"p\" must"},
-      {R"({"notify":"A","params":{"p":{"base64_of_file":"none"}}})", "none"},
-      {R"({"notify":"A","params":{"p":{"base64_of_file":"."}}})", "directory"},
-      {R"({"command":"A","params":{"p":1.5}})", "\"p\" must"},
-      {R"({"command":"A","xml":"<a/>"})", "\"xml\""},
-      {R"({"command":"A","params":{"p":true}})", "\"p\" must"},
-      {R"({"bind":-1})", "\"bind\" must"},
-      {R"({"bind":18446744073709551616})", "bind"},
-      {R"({"bind":"5001"})", "\"bind\" must"},
-      {R"({"bind":1,"capabilities":{"c":1}})", "\"c\" must"},
-      {R"({"bind":1,"class":2})", "\"class\" must"},
-      {R"({"rooms":{"x":1}})", "\"x\" must"},
-      {R"({"rooms":{"":1}})", "room"},
-      {R"({"rooms":{"-1":1}})", "-1"},
-      {R"({"rooms":{"18446744073709551616":1}})", "18446744073709551616"},
-      {R"({"rooms":{"5":-3}})", "\"5\" must"},
-      {R"({"persist":false})", "\"persist\" must"},
-  };
-  for (const auto& test : cases) {
-    const Ended ended =
-        Shell("$D replay --json s", "\xEF\xBB\xBF# a comment\n{\"notify\":\"A\"}\r\n\r\n" + std::string(test.line));
-    EXPECT_EQ(ended.status, 2) << test.line;
-    EXPECT_TRUE(Finds(ended.error, "^s:4: [^\n]*(" + std::string(test.error) + ")[^\n]*\n"))
-        << test.line << " said " << ended.error;
+  std::istringstream cases(ReadFile(WRONG_LINES) + "not JSON|UTF-8\t{\"notify\":\"A\xFF\"}");
+  for (std::string error, line; std::getline(cases, error, '\t') && std::getline(cases, line);) {
+    if (error[0] == '#') continue;
+    const Ended ended = Shell("$D replay --json s", "\xEF\xBB\xBF# a comment\n{\"notify\":\"A\"}\r\n\r\n" + line);
+    EXPECT_EQ(ended.status, 2) << line;
+    EXPECT_TRUE(Finds(ended.error, "^s:4: [^\n]*(" + error + ")[^\n]*\n")) << line << " said " << ended.error;
     ASSERT_EQ(Lines(ended.out).size(), 5U) << ended.out;
     EXPECT_EQ(Lines(ended.out)[2].dump(), R"({"step":2,"to":"ui","xml":"<A/>"})");
     EXPECT_EQ(Lines(ended.out)[3].at("action"), "removed");

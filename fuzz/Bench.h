@@ -1,0 +1,49 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include <libxml/tree.h>
+
+#include "standin/Host.h"
+
+// Ends the process, as a fuzzer wants it, when what must hold does not.
+void Require(bool holds, const char* what, const std::string& text = {});
+
+// The text as a parser reads it that the stand-in does not use; null when it is not well-formed.
+using XmlDocument = std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)>;
+XmlDocument ParseXml(const std::string& xml);
+
+// The root element as that parser writes it.
+std::string RootText(const XmlDocument& document);
+
+// Counts what a driver sends out and requires its documents to be well-formed.
+class Witness : public standin::Observer {
+ public:
+  unsigned documents = 0;
+  unsigned logLines = 0;
+
+  void OnVariable(Change, unsigned long, const std::string&, const std::string&) override {}
+  void OnEvent(unsigned long) override {}
+  void OnUi(const std::string& xml) override;
+  void OnRooms(const std::string& command, const standin::Params& params) override;
+  void OnDevice(unsigned long, const std::string&, const standin::Params&, const ICmdReturn*) override {}
+  void OnAnswer(const std::string& request, const std::string* xml) override;
+  void OnState(const std::string* xml) override;
+  void OnLog(unsigned int, const std::string&) override { ++logLines; }
+};
+
+// A driver of its own for one input, initialized with id 7. Requires that nothing is left of it.
+class Bench {
+ public:
+  Bench();
+  ~Bench();
+  Bench(const Bench&) = delete;
+  Bench& operator=(const Bench&) = delete;
+
+  // The image root of all drivers of this process, with a separator at its end.
+  static const std::string& Root();
+
+  Witness witness;
+  standin::Host host;
+};

@@ -1,0 +1,45 @@
+#include "fuzz/Bench.h"
+#include "fuzz/Input.h"
+#include "host/TqXML.h"
+#include "host/XmlHelper.h"
+
+namespace {
+
+const xmlChar* Chars(const std::string& text) { return reinterpret_cast<const xmlChar*>(text.c_str()); }
+
+// The characters of a text as they come back when it is written once.
+std::string ReadBack(const std::string& text) {
+  const std::string xml = TqXML::CreateXmlNode("a", text)->GetXmlString();
+  const XmlDocument document = ParseXml(xml);
+  Require(document != nullptr, "a text is written well-formed", xml);
+  const std::unique_ptr<xmlChar, decltype(xmlFree)> content(xmlNodeGetContent(xmlDocGetRootElement(document.get())),
+                                                            xmlFree);
+  const std::string back = reinterpret_cast<const char*>(content.get());
+  if (back.find("\xEF\xBF\xBD") == std::string::npos) Require(back == text, "characters come back", text);
+  return back;
+}
+
+}  // namespace
+
+// Builds a tree twice, here and with the other library, adding anywhere.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const auto root = TqXML::CreateXmlNode("r", "");
+  const XmlDocument model(xmlNewDoc(nullptr), &xmlFreeDoc);
+  std::vector<std::pair<TqXML::INode*, xmlNode*>> nodes = {{root.get(), xmlNewNode(nullptr, Chars("r"))}};
+  xmlDocSetRootElement(model.get(), nodes[0].second);
+  for (Input input(data, size); !input.AtEnd();) {
+    const auto [node, twin] = nodes[input.Byte() % nodes.size()];
+    const bool child = input.Byte() % 2 == 0;
+    const std::string text = input.Text();
+    const std::string value = child ? text.c_str() : text;
+    const std::string back = ReadBack(value);
+    xmlNode* added = xmlNewTextChild(twin, nullptr, Chars(child ? "c" : "v"), back.empty() ? nullptr : Chars(back));
+    if (child) nodes.emplace_back(XmlHelper::AddChild(*node, "c", value.c_str()), added);
+    if (!child) node->AddNamedValue("v", value);
+  }
+  const std::string xml = root->GetXmlString();
+  Require(RootText(ParseXml(xml)) == RootText(model), "a tree comes back", xml);
+  const auto again = TqXML::CreateXmlDocument(xml);
+  Require(again && again->GetRootNode().GetXmlString() == xml, "the stand-in reads what it has written", xml);
+  return 0;
+}
