@@ -27,8 +27,6 @@ def mutants_of_line(line):
         return
     for pair in SWAPS:
         for old, new in (pair, pair[::-1]):
-            if old in SAME:
-                continue
             pattern = re.escape(old) if not old[0].isalpha() else r"\b%s\b" % re.escape(old)
             for found in re.finditer(pattern, code):
                 yield line[:found.start()] + new + line[found.end():]
