@@ -5,6 +5,7 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <sstream>
 
 #include <gtest/gtest.h>
 #include <libxml/c14n.h>
@@ -99,6 +100,24 @@ std::vector<std::string> Bench::operator()(const Step& step) {
 std::optional<std::string> Bench::Picture() const {
   const std::string file = root + "ipod/7/coverart.jpg";
   return fs::exists(file) ? std::optional(ReadFile(file)) : std::nullopt;
+}
+
+standin::Params Notification::Params(const std::function<std::string(std::size_t)>& text) const {
+  standin::Params params;
+  for (const auto& read : reads) params.push_back({read.substr(read.find(' ') + 1), text(params.size())});
+  return params;
+}
+
+std::vector<Notification> ReadNotifications() {
+  std::vector<Notification> all;
+  std::istringstream file(ReadFile(DATA "/notifications.txt"));
+  for (std::string line, read; std::getline(file, line);) {
+    if (line[0] == '#') continue;
+    std::istringstream words(line);
+    words >> all.emplace_back().name;
+    while (words >> read) all.back().reads.push_back(read.replace(read.find(':'), 1, " "));
+  }
+  return all;
 }
 
 std::string MakeDirectory() {

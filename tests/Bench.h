@@ -56,6 +56,16 @@ class Bench {
   standin::Host host;
 };
 
+// A notification of tests/notifications.txt: its parameters, each behind "text " or "value ".
+struct Notification {
+  std::string name;
+  std::vector<std::string> reads;
+
+  // All parameters with texts, which may depend on the parameter's number.
+  standin::Params Params(const std::function<std::string(std::size_t)>& text) const;
+};
+std::vector<Notification> ReadNotifications();
+
 std::string MakeDirectory();
 std::string ReadFile(const std::string& path);
 

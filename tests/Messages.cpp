@@ -1,23 +1,9 @@
 #include "tests/Messages.h"
 
-#include <sstream>
-
 std::vector<Message> Messages(const std::string& text) {
   std::vector<Message> all;
-  for (const char* row :
-       {"CURRENT_SETTINGS online", "MEDIA_INFO_CHANGED media_info_1 media_info_3",
-        "COVERART_PATH_CHANGED image_path width", "NEW_LIST title total_items num_items first clear",
-        "ADD_LIST_ITEM id type text", "NEW_MENU title num_items", "ADD_MENU_ITEM id type text", "NEW_COVERART format",
-        "AN_UNKNOWN_NOTIFICATION p", "PLAY_STATUS_CHANGED play_status", "ONLINE_STATUS_CHANGED online_status",
-        "SET_SHUFFLE_MODES shuffle_modes", "SET_REPEAT_MODES repeat_modes", "SET_MEDIA_LABELS media_labels",
-        "SHUFFLE_CHANGED shuffle_mode", "REPEAT_CHANGED repeat_mode",
-        "UPDATE_MEDIA_INFO media_info_1 media_info_2 media_info_3", "PLAY_TIME_CHANGED elapsed remaining",
-        "QUEUE_PROGRESS_CHANGED current total"}) {
-    std::istringstream words(row);
-    std::string name, parameter;
-    standin::Params params;
-    for (words >> name; words >> parameter;) params.push_back({parameter, text});
-    all.push_back({name, Ntf(name, params)});
+  for (const auto& notification : ReadNotifications()) {
+    all.push_back({notification.name, Ntf(notification.name, notification.Params([&](std::size_t) { return text; }))});
   }
   for (const char* format : {"RGB565", "RGB888", "JPEG"}) {
     all.push_back({format, Ntf("NEW_COVERART", {{"cover_art", "AAD4AOAHHwA="},

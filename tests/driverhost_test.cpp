@@ -64,7 +64,7 @@ Json WithTrees(Json value) {
 // begins a case, which has a driver of its own.
 TEST(Driverhost, SendsWhatEachCaseSays) {
   std::size_t cases = 0;
-  for (const auto& file : fs::directory_iterator(CASES)) {
+  for (const auto& file : fs::directory_iterator(DATA "/cases")) {
     std::istringstream lines(ReadFile(file.path()));
     std::string what;
     std::string session;
@@ -102,7 +102,7 @@ TEST(Driverhost, SendsWhatEachCaseSays) {
 TEST(Driverhost, PlaysARecordedEveningAsItDidBefore) {
   const Ended ended = Shell("$D replay --json " SESSIONS "/evening.ndjson");
   EXPECT_EQ(ended.status, 0) << ended.error;
-  const Json expected = Lines(ReadFile(GOLDEN "/evening.ndjson"));
+  const Json expected = Lines(ReadFile(DATA "/golden/evening.ndjson"));
   const Json came = Lines(ended.out);
   ASSERT_EQ(came.size(), expected.size());
   for (std::size_t i = 0; i < came.size(); ++i) EXPECT_EQ(WithTrees(came[i]), WithTrees(expected[i]));
@@ -127,7 +127,7 @@ TEST(Driverhost, WritesPicturesThatDecode) {
 }
 
 TEST(Driverhost, TellsWhatIsWrongWithALine) {
-  std::istringstream cases(ReadFile(WRONG_LINES) + "not JSON|UTF-8\t{\"notify\":\"A\xFF\"}");
+  std::istringstream cases(ReadFile(DATA "/wrong_lines.txt") + "not JSON|UTF-8\t{\"notify\":\"A\xFF\"}");
   for (std::string error, line; std::getline(cases, error, '\t') && std::getline(cases, line);) {
     if (error[0] == '#') continue;
     const Ended ended = Shell("$D replay --json s", "\xEF\xBB\xBF# a comment\n{\"notify\":\"A\"}\r\n\r\n" + line);
@@ -142,34 +142,9 @@ TEST(Driverhost, TellsWhatIsWrongWithALine) {
 TEST(Driverhost, SpeaksTheContract) {
   const Ended ended = Shell(
       "mkdir d; printf AB >d/f; mv s d; $D replay d/s --json --id 12 --repeat 2 --image-root r; test -d r/ipod/12",
-      R"({"rooms":{"5":3}}
-{"command":"RESET","params":{"ROOM_ID":5,"T":{"bytes":"/w=="}}}
-{"notify":"X","params":{"z":{"base64_of_file":"f"},"a":"é\r"}}
-{"request":"GET_VOLUME"}
-{"notify":"NEW_COVERART","params":{"format":{"bytes":"/w=="}}}
-{"persist":true})");
+      ReadFile(DATA "/golden/contract_session.ndjson"));
   EXPECT_EQ(ended.status, 0) << ended.error;
-  const std::vector<std::string> expected = {
-      R"("to":"device","binding":5001,"command":"RESET","params":[{"name":"ROOM_ID","type":"INTEGER","value":"5"},)"
-      R"({"name":"T","type":"STRING","value":{"bytes":"/w=="}},{"name":"OUTPUT","type":"INTEGER","value":"3"}]})",
-      R"("to":"ui","xml":"<X><z>QUI=</z><a>é&#13;</a></X>"})",
-      R"("to":"answer","request":"GET_VOLUME","xml":null})",
-      R"("to":"log","level":3,"text":{"bytes":"aXBvZDo6T25OdGZDb3ZlckFydDogaW52YWxpZCBmb3JtYXQg/w=="}})",
-      R"("to":"ui","xml":"<NEW_COVER_ART><image_path>ipod/12/coverart.jpg</image_path><width/><height/></NEW_COVER_ART>"})",
-      R"("to":"state","xml":"<State/>"})"};
-  std::string text = R"({"step":0,"to":"variable","action":"added","id":1000,"name":"PLAY_STATUS","value":"0"}
-{"step":0,"to":"variable","action":"added","id":1001,"name":"ONLINE_STATUS","value":"0"}
-)";
-  const int steps[] = {2, 3, 4, 5, 5, 6};
-  for (int round = 0; round < 2; ++round) {
-    for (std::size_t i = 0; i < expected.size(); ++i) {
-      text += "{\"step\":" + std::to_string(steps[i] + 6 * round) + ',' + expected[i] + '\n';
-    }
-  }
-  text += R"({"step":13,"to":"variable","action":"removed","id":1000,"name":"PLAY_STATUS","value":"0"}
-{"step":13,"to":"variable","action":"removed","id":1001,"name":"ONLINE_STATUS","value":"0"}
-)";
-  EXPECT_EQ(ended.out, text);
+  EXPECT_EQ(ended.out, ReadFile(DATA "/golden/contract.ndjson"));
 }
 
 TEST(Driverhost, EndsAsItSays) {
@@ -194,7 +169,8 @@ TEST(Driverhost, EndsAsItSays) {
        "\"level\":3,\"text\":\"ipod::Initialize: failed to create ipod image directory \\(/proc/x/ipod/1\\)\"", ""},
       {"($D replay s; echo status $? >&2) | head -1", many, 0, "create", "^status 0\n$"},
       {"$D replay s >/dev/full", many, 1, "^$", "No space"},
-      {"(cat s; sleep 2) | timeout --preserve-status -s INT 1 $D replay -", one, 0, "A", "1 lines?, 1 messages?"},
+      {"(cat s; sleep 2) | timeout --foreground --preserve-status -s INT 1 $D replay -", one, 0, "A",
+       "1 lines?, 1 messages?"},
       {"$D replay s", cover, 0, "file *[^ ]*/ipod/1/coverart.jpg, [0-9]+ bytes, JPEG 3 x 2\n(.|\n)*answer *\\(none\\)",
        ""},
       {"$D replay s <&- >&-", one, 0, "^$", "1 lines?, 1 messages?"},

@@ -11,53 +11,20 @@ namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
 
 TEST(Life, RegistersEachNameOnceAndInOrder) {
-  Lines expected;
-  for (const char* name :
-       {"CURRENT_SETTINGS", "UPDATE_MEDIA_INFO", "MEDIA_INFO_CHANGED", "PLAY_STATUS_CHANGED", "ONLINE_STATUS_CHANGED",
-        "PLAY_TIME_CHANGED", "QUEUE_PROGRESS_CHANGED", "SHUFFLE_CHANGED", "REPEAT_CHANGED", "COVERART_PATH_CHANGED",
-        "NEW_COVERART", "SET_SHUFFLE_MODES", "SET_REPEAT_MODES", "SET_MEDIA_LABELS", "NEW_LIST", "ADD_LIST_ITEM",
-        "NEW_MENU", "ADD_MENU_ITEM"}) {
-    expected.push_back(std::string("notification ") + name);
-  }
-  expected.insert(expected.end(), {"default notification", "command QUERY_CURRENT_SETTINGS", "command RESET",
-                                   "request GET_ONLINE_STATUS", "request GET_PLAY_STATUS", "request GET_SHUFFLE_MODES",
-                                   "request GET_REPEAT_MODES", "variable 1000 PLAY_STATUS 1 0 0 ''",
-                                   "variable 1001 ONLINE_STATUS 1 0 0 ''"});
-  EXPECT_EQ(Bench().host.Registered(), expected);
+  std::string registered;
+  const Bench bench;
+  for (const auto& line : bench.host.Registered()) registered += line + '\n';
+  EXPECT_EQ(registered, ReadFile(DATA "/registrations.txt"));
 }
 
 TEST(Life, ReadsEachParameterInOrderByItsAccessor) {
-  const struct {
-    const char* notification;
-    Lines reads;
-  } cases[] = {
-      {"CURRENT_SETTINGS", {"text online"}},
-      {"UPDATE_MEDIA_INFO", {"text media_info_1", "text media_info_2", "text media_info_3"}},
-      {"MEDIA_INFO_CHANGED", {"text media_info_1", "text media_info_2", "text media_info_3"}},
-      {"PLAY_STATUS_CHANGED", {"value play_status"}},
-      {"ONLINE_STATUS_CHANGED", {"value online_status"}},
-      {"PLAY_TIME_CHANGED", {"text elapsed", "text remaining"}},
-      {"QUEUE_PROGRESS_CHANGED", {"text current", "text total"}},
-      {"SHUFFLE_CHANGED", {"value shuffle_mode"}},
-      {"REPEAT_CHANGED", {"value repeat_mode"}},
-      {"COVERART_PATH_CHANGED", {"value image_path", "text width", "text height"}},
-      {"NEW_COVERART", {"value cover_art", "value width", "value height", "value format", "text size"}},
-      {"SET_SHUFFLE_MODES", {"value shuffle_modes"}},
-      {"SET_REPEAT_MODES", {"value repeat_modes"}},
-      {"SET_MEDIA_LABELS", {"value media_labels"}},
-      {"NEW_LIST", {"text title", "value total_items", "value num_items", "value first", "value clear"}},
-      {"ADD_LIST_ITEM", {"value id", "value type", "value text", "value last"}},
-      {"NEW_MENU", {"text title", "value num_items"}},
-      {"ADD_MENU_ITEM", {"value id", "value type", "value text", "value last"}},
-      {"ANOTHER", {}},
-  };
   Bench bench;
-  for (const auto& test : cases) {
+  for (const auto& notification : ReadNotifications()) {
     Lines reads;
     standin::RecordReads(&reads);
-    bench(Ntf(test.notification));
+    bench(Ntf(notification.name));
     standin::RecordReads(nullptr);
-    EXPECT_EQ(reads, test.reads) << test.notification;
+    EXPECT_EQ(reads, notification.reads) << notification.name;
   }
 }
 

@@ -14,7 +14,7 @@ namespace {
 // The operations of each table, as tests/tables.txt lists them.
 std::vector<std::vector<std::string>> ReadTables() {
   std::vector<std::vector<std::string>> tables;
-  std::istringstream file(ReadFile(TABLES));
+  std::istringstream file(ReadFile(DATA "/tables.txt"));
   for (std::string line; std::getline(file, line);) {
     if (line[0] == '[') {
       tables.emplace_back();
