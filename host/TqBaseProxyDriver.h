@@ -17,6 +17,8 @@ class HOST_API TqBaseProxyDriver : public TqBaseDriver {
 
   void BoundCall(unsigned long bindingId, BindingType type, const std::string& className,
                  const IBindMessage& msg, ICmdReturn* ret) override;
+
+  // Keeps what the newly bound device states; an override calls this first.
   void OnBindingChanged(unsigned long bindingId, const std::string& className, bool bound) override;
 
   // A command without a handler goes on to the bound device, its parameters unchanged.

@@ -54,7 +54,7 @@ void Host::Request(const ICmdMessage& request) {
 void Host::Bind(unsigned long bindingId, const std::string& className,
                 std::map<std::string, std::string> capabilities) {
   const Services::Scope scope(*m_Services);
-  m_Services->capabilities = std::move(capabilities);
+  m_Services->offered = std::move(capabilities);
   Object().OnBindingChanged(bindingId, className, true);
 }
 

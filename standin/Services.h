@@ -48,6 +48,8 @@ class Services final : public IInstanceManager, public IHostPaths, public IRoomO
   unsigned long GetOutputForRoom(unsigned long roomId, int kind) override;
 
   Observer& observer;
+  // Of the device that is being bound; of the one that is.
+  std::map<std::string, std::string> offered;
   std::map<std::string, std::string> capabilities;
   std::map<unsigned long, unsigned long> rooms;
   std::map<unsigned long, Variable> variables;

@@ -1,6 +1,7 @@
 #include "host/TqBaseProxyDriver.h"
 
 #include <string>
+#include <utility>
 
 #include "standin/BindMessage.h"
 #include "standin/CmdMessage.h"
@@ -22,7 +23,10 @@ void TqBaseProxyDriver::BoundCall(unsigned long bindingId, BindingType, const st
   if (bindingId == m_BindingId) HandleNotification(msg);
 }
 
-void TqBaseProxyDriver::OnBindingChanged(unsigned long, const std::string&, bool) {}
+void TqBaseProxyDriver::OnBindingChanged(unsigned long bindingId, const std::string&, bool bound) {
+  auto& services = Services::Of(m_InstanceManager);
+  if (bindingId == m_BindingId && bound) services.capabilities = std::move(services.offered);
+}
 
 void TqBaseProxyDriver::ExecuteCommand(const ICmdMessage& command, ICmdReturn* ret, unsigned long) {
   const auto* handler = m_CmdDispatcher.Find(static_cast<const CmdMessage&>(command).Name());
