@@ -1,9 +1,11 @@
 #include "tests/Bench.h"
 
+#include <clocale>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <locale>
 #include <memory>
 #include <sstream>
 
@@ -25,6 +27,24 @@ std::string Joined(const standin::Params& params) {
   for (const auto& param : params) text += ' ' + param.name + ':' + param.type + '=' + param.value;
   return text;
 }
+
+struct Grouping : std::numpunct<char> {
+  char do_decimal_point() const override { return ','; }
+  char do_thousands_sep() const override { return '.'; }
+  std::string do_grouping() const override { return "\3"; }
+};
+
+// A process that groups digits, in the C locale that the environment names.
+class Surroundings : public testing::Environment {
+  void SetUp() override {
+    const char* name = std::getenv("MEDIAPROXY_TEST_LOCALE");
+    if (!name) return;
+    std::locale::global(std::locale(std::locale::classic(), new Grouping));
+    ASSERT_NE(std::setlocale(LC_ALL, name), nullptr) << name;
+  }
+};
+
+const auto* const s_Surroundings = testing::AddGlobalTestEnvironment(new Surroundings);
 
 }  // namespace
 
@@ -110,13 +130,42 @@ standin::Params Notification::Params(const std::function<std::string(std::size_t
 
 std::vector<Notification> ReadNotifications() {
   std::vector<Notification> all;
-  std::istringstream file(ReadFile(DATA "/notifications.txt"));
-  for (std::string line, read; std::getline(file, line);) {
-    if (line[0] == '#') continue;
-    std::istringstream words(line);
-    words >> all.emplace_back().name;
-    while (words >> read) all.back().reads.push_back(read.replace(read.find(':'), 1, " "));
+  for (const auto& row : ReadRows("notifications.txt")) all.push_back({row[0], {row.begin() + 1, row.end()}});
+  return all;
+}
+
+std::vector<Message> Messages(const std::string& text) {
+  std::vector<Message> all;
+  for (const auto& notification : ReadNotifications()) {
+    all.push_back({notification.name, Ntf(notification.name, notification.Params([&](std::size_t) { return text; }))});
   }
+  for (const char* format : {"RGB565", "RGB888", "JPEG"}) {
+    all.push_back({format, Ntf("NEW_COVERART", {{"cover_art", "AAD4AOAHHwA="},
+                                                {"width", "2 " + text},
+                                                {"height", "1 " + text},
+                                                {"format", format},
+                                                {"size", "8 " + text}})});
+  }
+  for (const char* name : {"PLAY_STATUS", "ONLINE_STATUS", "SHUFFLE_MODES", "REPEAT_MODES", "NOTHING"}) {
+    all.push_back({name, Req(std::string("GET_") + name)});
+  }
+  const std::vector<Message> others = {
+      {"playing", Ntf("PLAY_STATUS_CHANGED", {{"play_status", "Playing"}})},
+      {"document", NtfXml("X", "<document><p>" + text + "</p></document>")},
+      {"command inside", NtfXml("X", "<command name='RESET'><param name='ROOM_ID'>5" + text + "</param></command>")},
+      {"reset", Cmd("RESET", {{"ROOM_ID", "5", "INTEGER"}, {"A_PARAMETER", text}})},
+      {"report", Cmd("QUERY_CURRENT_SETTINGS")},
+      {"other command", Cmd("A_COMMAND_FOR_THE_DEVICE", {{"P", text}})},
+      {"state", [](standin::Host& host) { host.Persist(); }},
+      {"unbound", [](standin::Host& host) { host.Unbind(5001, "PLAYER"); }},
+      {"bound", [text](standin::Host& host) {
+         host.Bind(5001, "PLAYER",
+                   {{"has_play", text.size() % 2 == 0 ? "True" : "False"},
+                    {"shuffle_modes", text},
+                    {"repeat_modes", text},
+                    {"media_labels", text}});
+       }}};
+  all.insert(all.end(), others.begin(), others.end());
   return all;
 }
 
@@ -130,6 +179,28 @@ std::string ReadFile(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   EXPECT_TRUE(file) << path;
   return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::vector<std::vector<std::string>> ReadRows(const std::string& name) {
+  std::vector<std::vector<std::string>> rows;
+  std::istringstream file(ReadFile(DATA "/" + name));
+  for (std::string line; std::getline(file, line);) {
+    if (line.empty() || line[0] == '#') continue;
+    std::istringstream columns(line);
+    rows.emplace_back();
+    for (std::string column; std::getline(columns, column, '\t');) rows.back().push_back(column);
+  }
+  return rows;
+}
+
+std::string Descriptors() {
+  std::string open;
+  std::error_code gone;
+  for (int i = 0; i < 64; ++i) {  // one that is lost takes a low number
+    const auto file = fs::read_symlink("/proc/self/fd/" + std::to_string(i), gone);
+    if (!gone) open += std::to_string(i) + ' ' + file.string() + '\n';
+  }
+  return open;
 }
 
 std::string Canonical(const std::string& xml) {

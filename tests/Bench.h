@@ -66,8 +66,21 @@ struct Notification {
 };
 std::vector<Notification> ReadNotifications();
 
+// Every message that a driver takes, with `text` in its values.
+struct Message {
+  std::string what;
+  Step step;
+};
+std::vector<Message> Messages(const std::string& text);
+
 std::string MakeDirectory();
 std::string ReadFile(const std::string& path);
+
+// The lines of a table in tests/, without blank ones and those that begin with #, cut at each tab.
+std::vector<std::vector<std::string>> ReadRows(const std::string& name);
+
+// The open descriptors and what they are open on.
+std::string Descriptors();
 
 // The canonical form of an XML text by a conforming parser; empty when it is not well-formed.
 std::string Canonical(const std::string& xml);

@@ -8,12 +8,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <new>
 
 #include <gtest/gtest.h>
 #include <jpeglib.h>
 #include <libxml/xmlmemory.h>
+
+#include "tests/Bench.h"
 
 #include <jerror.h>
 
@@ -174,15 +175,5 @@ unsigned long Sweep(Calls calls, int error, const std::function<void(const Armed
 }
 
 long LiveBlocks() { return s_LiveBlocks; }
-
-std::string Descriptors() {
-  std::string open;
-  std::error_code gone;
-  for (int i = 0; i < 64; ++i) {  // one that is lost takes a low number
-    const auto file = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(i), gone);
-    if (!gone) open += std::to_string(i) + ' ' + file.string() + '\n';
-  }
-  return open;
-}
 
 void SetForeignJPEG(bool foreign) { s_ForeignJPEG = foreign; }

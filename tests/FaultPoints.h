@@ -18,8 +18,5 @@ unsigned long Sweep(Calls calls, int error, const std::function<void(const Armed
 // The blocks that malloc and the like have given out and nobody has freed.
 long LiveBlocks();
 
-// The open descriptors and what they are open on.
-std::string Descriptors();
-
 // From now on libjpeg finds that it is of another version than its caller, or works again.
 void SetForeignJPEG(bool foreign);

@@ -27,7 +27,7 @@ struct Ended {
 Ended Shell(const std::string& command, const std::string& session = "") {
   const std::string directory = MakeDirectory() + '/';
   std::ofstream(directory + 's', std::ios::binary) << session;
-  const std::string whole = "cd " + directory + " && export TMPDIR=. D=" DRIVERHOST " && (" + command + ") >out 2>err";
+  const std::string whole = "cd " + directory + " && export TMPDIR=. " PROGRAMS " && (" + command + ") >out 2>err";
   const int status = std::system(whole.c_str());
   Ended ended{WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadFile(directory + "out"), ReadFile(directory + "err")};
   fs::remove_all(directory);
@@ -127,9 +127,9 @@ TEST(Driverhost, WritesPicturesThatDecode) {
 }
 
 TEST(Driverhost, TellsWhatIsWrongWithALine) {
-  std::istringstream cases(ReadFile(DATA "/wrong_lines.txt") + "not JSON|UTF-8\t{\"notify\":\"A\xFF\"}");
-  for (std::string error, line; std::getline(cases, error, '\t') && std::getline(cases, line);) {
-    if (error[0] == '#') continue;
+  for (const auto& row : ReadRows("wrong_lines.txt")) {
+    const std::string& error = row.at(0);
+    const std::string& line = row.at(1);
     const Ended ended = Shell("$D replay --json s", "\xEF\xBB\xBF# a comment\n{\"notify\":\"A\"}\r\n\r\n" + line);
     EXPECT_EQ(ended.status, 2) << line;
     EXPECT_TRUE(Finds(ended.error, "^s:4: [^\n]*(" + error + ")[^\n]*\n")) << line << " said " << ended.error;
@@ -148,53 +148,11 @@ TEST(Driverhost, SpeaksTheContract) {
 }
 
 TEST(Driverhost, EndsAsItSays) {
-  const std::string one = "{\"notify\":\"A\",\"params\":{\"p\":\"v\"}}\n";
-  std::string many;
-  for (int i = 0; i < 5000; ++i) many += one;
-  const std::string cover = R"({"notify":"NEW_COVERART","params":{"format":"RGB888","width":"3","height":"2",)"
-                            R"("cover_art":"AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA"}})"
-                            "\n{\"request\":\"NONE\"}";
-  const struct {
-    const char* command;
-    std::string session;
-    int status;
-    const char* out;
-    const char* error;
-  } cases[] = {
-      {"$D replay s", one, 0, "1 *notify A *p=v\n *ui *<A><p>v</p></A>", "1 lines?, 1 messages?, 1 documents?"},
-      {"cat s | $D replay - --quiet", one, 0, "^$", "1 lines?, 1 messages?"},
-      {"$D replay --quiet", "", 0, "^$", "3 files? written"},
-      {"$D replay s --quiet --repeat 3", one, 0, "^$", "3 lines?, 3 messages?(.|\n)*objects held"},
-      {"cd / && $D replay --json --image-root /proc/x " SESSIONS "/demo.ndjson", "", 0,
-       "\"level\":3,\"text\":\"ipod::Initialize: failed to create ipod image directory \\(/proc/x/ipod/1\\)\"", ""},
-      {"($D replay s; echo status $? >&2) | head -1", many, 0, "create", "^status 0\n$"},
-      {"$D replay s >/dev/full", many, 1, "^$", "No space"},
-      {"(cat s; sleep 2) | timeout --foreground --preserve-status -s INT 1 $D replay -", one, 0, "A",
-       "1 lines?, 1 messages?"},
-      {"$D replay s", cover, 0, "file *[^ ]*/ipod/1/coverart.jpg, [0-9]+ bytes, JPEG 3 x 2\n(.|\n)*answer *\\(none\\)",
-       ""},
-      {"$D replay s <&- >&-", one, 0, "^$", "1 lines?, 1 messages?"},
-      {"$D replay s", "{\"notify\":\"" + std::string(500, 'x') + "\"}", 0, "xxx\\.\\.\\. \\([0-9]+ bytes\\)\n", ""},
-      {"$D replay --driver " LEAKY_PLUGIN " s", one, 1, "create", "makes no driver\n(.|\n)*held.*: 2 nodes\n"},
-      {"$D replay --driver '' s", one, 2, "^$", "empty"},
-      {"$D replay --driver none s", one, 1, "^$", "none.*No such file"},
-      {"$D replay --driver s s", one, 1, "^$", "s: .*(header|short)"},
-      {"$D replay --driver " STANDIN " s", one, 1, "^$", "GetCreationFunc"},
-      {"$D replay --driver " NEEDY_PLUGIN " s", one, 1, "^$", "undefined symbol: .*NobodyHasThis"},
-      {"$D replay none", one, 2, "^$", "none.*No such file"},
-      {"$D replay .", one, 2, "^$", "directory"},
-      {"$D replay --id -1 s", one, 2, "^$", "id"},
-      {"$D replay --id 18446744073709551615 s --quiet", one, 0, "^$", "1 message"},
-      {"$D replay --repeat 0 s", one, 2, "^$", "repeat"},
-      {"$D replay --nonsense", one, 2, "^$", "nonsense"},
-      {"$D", one, 2, "^$", "replay|subcommand"},
-      {"$D --version", "", 0, "[0-9]\\.[0-9]", "^$"},
-      {"$D replay --help", "", 0, "--image-root", "^$"},
-  };
-  for (const auto& test : cases) {
-    const Ended ended = Shell(test.command, test.session);
-    EXPECT_EQ(ended.status, test.status) << test.command << '\n' << ended.error;
-    EXPECT_TRUE(Finds(ended.out, test.out)) << test.command << " printed " << ended.out;
-    EXPECT_TRUE(Finds(ended.error, test.error)) << test.command << " said " << ended.error;
+  for (const auto& row : ReadRows("commands.txt")) {
+    const std::string& command = row.at(3);
+    const Ended ended = Shell(command, "{\"notify\":\"A\",\"params\":{\"p\":\"v\"}}\n");
+    EXPECT_EQ(std::to_string(ended.status), row[0]) << command << '\n' << ended.error;
+    EXPECT_TRUE(Finds(ended.out, row[1])) << command << " printed " << ended.out;
+    EXPECT_TRUE(Finds(ended.error, row[2])) << command << " said " << ended.error;
   }
 }

@@ -1,7 +1,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
@@ -10,8 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/Bench.h"
 #include "tests/FaultPoints.h"
-#include "tests/Messages.h"
 
 namespace fs = std::filesystem;
 
@@ -143,40 +142,13 @@ TEST_F(Faults, EveryCallOfALifeFails) {
   RecordProperty("points", std::to_string(points));
 }
 
-TEST_F(Faults, AFullDiskEndsInALogLine) {
-  Recorder recorder;
-  standin::Host host(*m_Plugin, recorder, m_Root);
-  host.Initialize(7);
-  fs::create_symlink("/dev/full", m_Root + "ipod/7/coverart.jpg");
-  const std::string descriptors = Descriptors();
-  for (const std::string format : {"RGB565", "RGB888", "JPEG"}) {
-    recorder.Take();
-    Ntf("NEW_COVERART", {{"cover_art", std::string(160000, 'A')},
-                         {"format", format},
-                         {"width", "100"},
-                         {"height", "300"},
-                         {"size", "100000"}})(host);
-    const auto lines = recorder.Take();
-    EXPECT_EQ(lines.front() ==
-                  "log 3 ipod::Write" + format.substr(3) + "ToJPEGFile: Output file write error --- out of disk space?",
-              format != "JPEG");
-    EXPECT_EQ(lines.back().rfind("ui <NEW_COVER_ART>", 0), 0U);
-  }
-  EXPECT_EQ(Descriptors(), descriptors);
-}
-
-TEST_F(Faults, AForeignLibraryEndsInALogLine) {
-  Recorder recorder;
-  standin::Host host(*m_Plugin, recorder, m_Root);
-  host.Initialize(7);
-  recorder.Take();
+TEST(ForeignLibrary, EndsInALogLine) {
+  Bench bench;
   const Step art = Ntf("NEW_COVERART", {{"cover_art", "AAAA"}, {"format", "RGB565"}, {"width", "1"}, {"height", "1"}});
   SetForeignJPEG(true);
-  art(host);
-  SetForeignJPEG(false);
-  EXPECT_EQ(recorder.Take().front(),
+  EXPECT_EQ(bench(art).front(),
             "log 3 ipod::Write565ToJPEGFile: Wrong JPEG library version: library is 90, caller expects 62");
-  EXPECT_FALSE(fs::exists(m_Root + "ipod/7/coverart.jpg"));
-  art(host);
-  EXPECT_EQ(recorder.Take().size(), 1U);
+  EXPECT_FALSE(bench.Picture());
+  SetForeignJPEG(false);
+  EXPECT_EQ(bench(art).size(), 1U);
 }

@@ -20,12 +20,8 @@ TEST(Reset, ChangesOnlyItsCopyAndPassesTheReturnHolderOn) {
 // sent, and the next document is whole.
 TEST(MissingObjects, AreNotUsed) {
   const Step query = Cmd("QUERY_CURRENT_SETTINGS");
-  const struct {
-    Factory factory;
-    std::vector<Step> steps;
-    std::vector<std::string> traffic;
-    std::vector<std::string> kept;
-  } cases[] = {
+  using Texts = std::vector<std::string>;
+  const std::tuple<Factory, std::vector<Step>, Texts, Texts> cases[] = {
       {Factory::Node,
        {Ntf("SET_SHUFFLE_MODES", {{"shuffle_modes", "m"}}), Ntf("SHUFFLE_CHANGED", {{"shuffle_mode", "s"}}),
         Ntf("UPDATE_MEDIA_INFO", {{"media_info_1", "new"}}), Ntf("MEDIA_INFO_CHANGED"),
@@ -43,15 +39,15 @@ TEST(MissingObjects, AreNotUsed) {
       {Factory::Clone, {Cmd("RESET")}, {}, {}},
       {Factory::BindMessage, {Cmd("RESET"), Cmd("PLAY")}, {}, {}},
   };
-  for (const auto& test : cases) {
-    SCOPED_TRACE("factory " + std::to_string(static_cast<unsigned>(test.factory)));
+  for (const auto& [factory, steps, traffic, keeps] : cases) {
+    SCOPED_TRACE("factory " + std::to_string(static_cast<unsigned>(factory)));
     Bench bench;
     bench(Ntf("NEW_LIST"));
-    bench.host.SetFault(test.factory, true);
-    for (const Step& step : test.steps) step(bench.host);
-    EXPECT_EQ(bench.recorder.Take(), test.traffic);
-    bench.host.SetFault(test.factory, false);
+    bench.host.SetFault(factory, true);
+    for (const Step& step : steps) step(bench.host);
+    EXPECT_EQ(bench.recorder.Take(), traffic);
+    bench.host.SetFault(factory, false);
     const std::string report = bench(query).at(0);
-    for (const auto& kept : test.kept) EXPECT_NE(report.find(kept), std::string::npos) << kept << " in " << report;
+    for (const auto& kept : keeps) EXPECT_NE(report.find(kept), std::string::npos) << kept << " in " << report;
   }
 }

@@ -13,8 +13,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/Bench.h"
 #include "tests/FaultPoints.h"
-#include "tests/Messages.h"
 
 namespace fs = std::filesystem;
 
@@ -132,19 +132,16 @@ TEST_F(Soak, FiftyDriversActAsEachAlone) {
   EXPECT_TRUE(standin::GetLedger().Empty());
 }
 
-TEST_F(Soak, HoldsNoMoreAfterEachRound) {
+TEST(LongRun, HoldsNoMoreAfterEachRound) {
   const unsigned long rounds = 4, messages = Rounds("MEDIAPROXY_MESSAGES", 20000);
-  const standin::Plugin plugin(m_Plugin);
-  Recorder recorder;
-  standin::Host host(plugin, recorder, m_Root);
-  host.Initialize(7);
+  Bench bench;
   std::vector<long> blocks, resident;
   for (unsigned long round = 0; round < rounds; ++round) {
     {
       Mix mix(1);
       for (unsigned long i = 0; i < messages / rounds; ++i) {
-        mix.Next(host);
-        recorder.lines.clear();
+        mix.Next(bench.host);
+        bench.recorder.lines.clear();
       }
     }
     blocks.push_back(LiveBlocks());

@@ -3,7 +3,6 @@
 
 #include <cstring>
 #include <memory>
-#include <sstream>
 
 #include <gtest/gtest.h>
 
@@ -14,12 +13,11 @@ namespace {
 // The operations of each table, as tests/tables.txt lists them.
 std::vector<std::vector<std::string>> ReadTables() {
   std::vector<std::vector<std::string>> tables;
-  std::istringstream file(ReadFile(DATA "/tables.txt"));
-  for (std::string line; std::getline(file, line);) {
-    if (line[0] == '[') {
+  for (const auto& row : ReadRows("tables.txt")) {
+    if (row[0][0] == '[') {
       tables.emplace_back();
-    } else if (!line.empty() && line[0] != '#') {
-      tables.back().push_back(line);
+    } else {
+      tables.back().push_back(row[0]);
     }
   }
   return tables;
@@ -68,11 +66,7 @@ TEST(Tables, HoldTheOperationsInOrder) {
 }
 
 TEST(Tables, PlaceTheOverriddenOperations) {
-  const struct {
-    std::size_t table;
-    const char* operation;
-    std::size_t slot;
-  } cases[] = {
+  const std::tuple<std::size_t, const char*, std::size_t> cases[] = {
       {0, "media OnBindingChanged", Slot(&TqBaseDriver::OnBindingChanged)},
       {0, "media Initialize", Slot(&TqBaseDriver::Initialize)},
       {0, "media GetPersistState", Slot(&TqBaseDriver::GetPersistState)},
@@ -85,7 +79,7 @@ TEST(Tables, PlaceTheOverriddenOperations) {
       {3, "media GetPersistState", Slot(&IDriver::GetPersistState)},
   };
   const auto tables = ReadTables();
-  for (const auto& test : cases) EXPECT_EQ(tables.at(test.table).at(test.slot), test.operation);
+  for (const auto& [table, operation, slot] : cases) EXPECT_EQ(tables.at(table).at(slot), operation);
 }
 
 TEST(Tables, AnswerWithTheBaseClassesDefaults) {
