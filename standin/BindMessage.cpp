@@ -24,14 +24,14 @@ BindMessage::BindMessage(std::string name, std::string command, Params params, s
 std::string BindMessage::GetXml() const {
   if (!m_Xml.empty()) return m_Xml;
   if (!m_Command.empty()) return CommandXml(m_Command, m_Params);
-  std::string values;
-  for (const Param& param : m_Params) AppendElement(values, param.name, param.value);
   std::string xml = "<";
   AppendName(xml, m_Name);
-  if (values.empty()) return xml + "/>";
-  xml += '>' + values + "</";
+  if (m_Params.empty()) return xml += "/>";
+  xml += '>';
+  for (const Param& param : m_Params) AppendElement(xml, param.name, param.value);
+  xml += "</";
   AppendName(xml, m_Name);
-  return xml + '>';
+  return xml += '>';
 }
 
 std::string BindMessage::GetParamText(const std::string& name) const { return Read("text", name); }
@@ -63,7 +63,7 @@ tq::auto_com<IBindMessage> MakeNotificationFromXml(const std::string& name, std:
     }
   }
   // An empty text would stand for a message that is made from its parameters.
-  if (xml.empty()) xml = " ";
+  if (xml.empty()) xml += ' ';
   return tq::auto_com<IBindMessage>(
       new BindMessage(name, std::move(command), std::move(params), std::move(xml)));
 }

@@ -70,16 +70,16 @@ struct Escapes {
 
 // The length of the head of `text` that is written as it is.
 std::size_t PlainLength(std::string_view text, const Escapes& escapes) {
-  std::size_t length = 0;
-  while (length < text.size()) {
-    const Writing writing = escapes.writing[static_cast<unsigned char>(text[length])];
-    if (writing == Writing::InPlace) break;
-    const Sequence sequence =
-        writing == Writing::Same ? Sequence{1, true} : ReadSequence(text.substr(length));
-    if (!sequence.valid) break;
-    length += sequence.length;
+  const auto writing = [&](char c) { return escapes.writing[static_cast<unsigned char>(c)]; };
+  const auto isOther = [&](char c) { return writing(c) != Writing::Same; };
+  for (const char* at = text.begin();;) {
+    at = std::find_if(at, text.end(), isOther);
+    const auto length = static_cast<std::size_t>(at - text.begin());
+    if (at == text.end() || writing(*at) == Writing::InPlace) return length;
+    const Sequence sequence = ReadSequence(text.substr(length));
+    if (!sequence.valid) return length;
+    at += sequence.length;
   }
-  return length;
 }
 
 void AppendEscaped(std::string& xml, std::string_view text, const Escapes& escapes) {
@@ -115,15 +115,19 @@ constexpr auto s_NameBytes = NameBytes();
 bool IsNameByte(char c) { return s_NameBytes[static_cast<unsigned char>(c)]; }
 
 bool IsName(std::string_view name) {
-  return !name.empty() && IsNameStart(name[0]) && std::all_of(name.begin(), name.end(), IsNameByte);
+  std::size_t valid = 0;
+  while (valid < name.size() && IsNameByte(name[valid])) ++valid;
+  return valid > 0 && valid == name.size() && IsNameStart(name[0]);
 }
 
 // In one growth, which is what short texts cost most.
 template <class... Pieces>
 void Append(std::string& xml, Pieces... pieces) {
   std::size_t at = xml.size();
-  xml.resize(at + (pieces.size() + ...));
-  ((at += pieces.copy(xml.data() + at, pieces.size())), ...);
+  xml.resize_and_overwrite(at + (pieces.size() + ...), [&](char* text, std::size_t) {
+    ((at += pieces.copy(text + at, pieces.size())), ...);
+    return at;
+  });
 }
 
 }  // namespace
