@@ -80,7 +80,7 @@ class media : public TqBaseProxyDriver {
 
   // A named value of a document.
   struct NamedValue {
-    const char* name;
+    std::string name;
     const std::string& value;
   };
 

@@ -24,7 +24,7 @@ void media::MediaInfo::Clear() { *this = MediaInfo(); }
 
 void media::MediaInfo::AddToINode(TqXML::INode* node, bool includeImage) const {
   if (!m_Valid) return;
-  const auto add = [node](const char* name, const std::string& text) {
+  const auto add = [node](const std::string& name, const std::string& text) {
     if (text.empty()) return;
     if (IsStripped(text.front()) || IsStripped(text.back())) {
       node->AddNamedValue(name, TrimQuotesAndSpaces(text));
@@ -39,7 +39,8 @@ void media::MediaInfo::AddToINode(TqXML::INode* node, bool includeImage) const {
 }
 
 void media::OnNtfUpdateMediaInfo(const IBindMessage& msg) {
-  const auto command = CreateCommandMessageFromName("UPDATE_MEDIA_INFO");
+  static const std::string name = "UPDATE_MEDIA_INFO";  // too long to be free to build each time
+  const auto command = CreateCommandMessageFromName(name);
   const auto node = TqXML::CreateXmlNode("mediainfo", "");
   if (!node) return;
   node->AddNamedValue("mediatype", "MEDIASONG");
