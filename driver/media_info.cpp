@@ -39,7 +39,7 @@ void media::MediaInfo::AddToINode(TqXML::INode* node, bool includeImage) const {
 }
 
 void media::OnNtfUpdateMediaInfo(const IBindMessage& msg) {
-  static const std::string name = "UPDATE_MEDIA_INFO";  // too long to be free to build each time
+  static const std::string name = "UPDATE_MEDIA_INFO";  // too long to build without allocating
   const auto command = CreateCommandMessageFromName(name);
   const auto node = TqXML::CreateXmlNode("mediainfo", "");
   if (!node) return;
