@@ -136,16 +136,17 @@ TEST(CoverArt, SurvivesEveryFileThatCannotBeWritten) {
     Bench bench;
     const std::string file = bench.root + "ipod/7/coverart.jpg";
     prepare(file);
-    const std::string descriptors = Descriptors(), full = "Output file write error --- out of disk space?";
-    // The blanks before the second text differ by format.
-    for (const auto& [format, function, blanks] :
-         {std::tuple{"RGB565", "565", "  "}, {"RGB888", "888", " "}, {"JPEG", "565", "  "}}) {
-      const bool stream = format == std::string("JPEG");
+    const std::string descriptors = Descriptors(), noFile = "failed to create .jpg file " + file;
+    const std::string full = "ToJPEGFile: Output file write error --- out of disk space?";
+    const std::tuple<const char*, std::string, std::string> formats[] = {
+        {"RGB565", "565ToJPEGFile:  " + noFile, "565" + full},
+        {"RGB888", "888ToJPEGFile: " + noFile, "888" + full},
+        {"JPEG", "565ToJPEGFile:  " + noFile, ""},
+    };
+    for (const auto& [format, failsToOpen, failsToWrite] : formats) {
+      const std::string& log = opens ? failsToWrite : failsToOpen;
       std::vector<std::string> traffic = {Announced("64", "64")};
-      if (!opens || !stream) {
-        traffic.insert(traffic.begin(), "log 3 ipod::Write" + (function + std::string("ToJPEGFile:")) +
-                                            (opens ? ' ' + full : blanks + ("failed to create .jpg file " + file)));
-      }
+      if (!log.empty()) traffic.insert(traffic.begin(), "log 3 ipod::Write" + log);
       EXPECT_EQ(bench(Cover(format, pixels, "64", "64", "9")), traffic);
     }
     EXPECT_EQ(Descriptors(), descriptors);
