@@ -1,10 +1,10 @@
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "benchmarks/Picture.h"
 #include "driver/jpeg_file.h"
+
+#include <string>
+#include <vector>
 
 // A cover as a device sends it, and as the ready rows that libjpeg takes.
 struct Cover {

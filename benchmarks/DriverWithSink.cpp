@@ -1,8 +1,8 @@
 #include "benchmarks/DriverWithSink.h"
 
-#include <stdexcept>
-
 #include <malloc.h>
+
+#include <stdexcept>
 
 void Sink::OnLog(unsigned int, const std::string& text) { throw std::runtime_error(text); }
 

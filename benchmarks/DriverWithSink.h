@@ -1,11 +1,11 @@
 #pragma once
 
-#include <cstddef>
-#include <string>
+#include "standin/Host.h"
 
 #include <benchmark/benchmark.h>
 
-#include "standin/Host.h"
+#include <cstddef>
+#include <string>
 
 // Takes every text that a driver sends out.
 class Sink final : public standin::Observer {

@@ -1,6 +1,6 @@
-#include <wand/MagickWand.h>
-
 #include "benchmarks/Cover.h"
+
+#include <wand/MagickWand.h>
 
 namespace {
 

@@ -1,7 +1,7 @@
+#include "benchmarks/Cover.h"
+
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
-
-#include "benchmarks/Cover.h"
 
 namespace {
 

@@ -1,14 +1,14 @@
 #include "benchmarks/Picture.h"
 
+#include "driver/jpeg_file.h"
+
+#include <jpeglib.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <random>
 #include <stdexcept>
-
-#include <jpeglib.h>
-
-#include "driver/jpeg_file.h"
 
 Picture ReadJpeg(const std::string& path) {
   const FilePtr file(std::fopen(path.c_str(), "rb"));

@@ -1,13 +1,14 @@
 #include "benchmarks/PrivateBus.h"
 
+#include <dbus/dbus.h>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <array>
 #include <csignal>
 #include <cstdint>
 #include <stdexcept>
-
-#include <dbus/dbus.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 

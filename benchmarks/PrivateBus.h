@@ -1,10 +1,10 @@
 #pragma once
 
-#include <cstddef>
+#include "benchmarks/XmlPeers.h"
 
 #include <sys/types.h>
 
-#include "benchmarks/XmlPeers.h"
+#include <cstddef>
 
 struct DBusConnection;
 

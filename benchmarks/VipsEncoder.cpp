@@ -1,6 +1,6 @@
-#include <vips/vips.h>
-
 #include "benchmarks/Cover.h"
+
+#include <vips/vips.h>
 
 namespace {
 

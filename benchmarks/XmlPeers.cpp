@@ -1,12 +1,12 @@
 #include "benchmarks/XmlPeers.h"
 
-#include <memory>
-#include <stdexcept>
+#include "benchmarks/DriverWithSink.h"
 
 #include <libxml/tree.h>
 #include <pugixml.hpp>
 
-#include "benchmarks/DriverWithSink.h"
+#include <memory>
+#include <stdexcept>
 
 namespace {
 

@@ -1,14 +1,14 @@
-#include <filesystem>
-#include <memory>
+#include "benchmarks/Cover.h"
+#include "benchmarks/DriverWithSink.h"
+#include "benchmarks/cases.h"
+#include "host/Base64Encoder.h"
 
 #include <benchmark/benchmark.h>
 #include <jpeglib.h>
 #include <modp_b64.h>
 
-#include "benchmarks/Cover.h"
-#include "benchmarks/DriverWithSink.h"
-#include "benchmarks/cases.h"
-#include "host/Base64Encoder.h"
+#include <filesystem>
+#include <memory>
 
 namespace {
 

@@ -1,11 +1,12 @@
-#include <memory>
-#include <vector>
-
-#include <benchmark/benchmark.h>
-#include <dlfcn.h>
-
 #include "benchmarks/DriverWithSink.h"
 #include "benchmarks/cases.h"
+
+#include <benchmark/benchmark.h>
+
+#include <dlfcn.h>
+
+#include <memory>
+#include <vector>
 
 namespace {
 

@@ -1,11 +1,11 @@
-#include <memory>
-#include <vector>
-
-#include <benchmark/benchmark.h>
-
 #include "benchmarks/DriverWithSink.h"
 #include "benchmarks/XmlPeers.h"
 #include "benchmarks/cases.h"
+
+#include <benchmark/benchmark.h>
+
+#include <memory>
+#include <vector>
 
 namespace {
 

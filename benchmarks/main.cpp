@@ -1,8 +1,8 @@
-#include <cstdio>
+#include "benchmarks/cases.h"
 
 #include <benchmark/benchmark.h>
 
-#include "benchmarks/cases.h"
+#include <cstdio>
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);

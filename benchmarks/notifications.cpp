@@ -1,12 +1,12 @@
-#include <functional>
-#include <memory>
-
-#include <benchmark/benchmark.h>
-
 #include "benchmarks/DriverWithSink.h"
 #include "benchmarks/PrivateBus.h"
 #include "benchmarks/XmlPeers.h"
 #include "benchmarks/cases.h"
+
+#include <benchmark/benchmark.h>
+
+#include <functional>
+#include <memory>
 
 namespace {
 

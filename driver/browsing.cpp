@@ -1,8 +1,8 @@
-#include <utility>
-
 #include "driver/media.h"
 #include "host/TqXML.h"
 #include "host/XmlHelper.h"
+
+#include <utility>
 
 // Takes the held document's place only when it is complete, so that the items' element always
 // belongs to the held document.

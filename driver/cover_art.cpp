@@ -1,12 +1,12 @@
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-
 #include "driver/jpeg_file.h"
 #include "driver/media.h"
 #include "driver/pixel_rows.h"
 #include "host/Base64Encoder.h"
 #include "host/LogXMessage.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 
 namespace {
 

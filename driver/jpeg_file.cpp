@@ -1,10 +1,10 @@
 #include "driver/jpeg_file.h"
 
+#include <jpeglib.h>
+
 #include <csetjmp>
 #include <type_traits>
 #include <vector>
-
-#include <jpeglib.h>
 
 namespace {
 

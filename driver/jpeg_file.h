@@ -1,10 +1,10 @@
 #pragma once
 
+#include "driver/pixel_rows.h"
+
 #include <cstdio>
 #include <memory>
 #include <string>
-
-#include "driver/pixel_rows.h"
 
 struct FileCloser {
   void operator()(std::FILE* file) const { std::fclose(file); }

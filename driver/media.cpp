@@ -1,11 +1,11 @@
 #include "driver/media.h"
 
-#include <boost/filesystem/operations.hpp>
-
 #include "host/IHostPaths.h"
 #include "host/LogXMessage.h"
 #include "host/ToString.h"
 #include "host/TqXML.h"
+
+#include <boost/filesystem/operations.hpp>
 
 const std::string media::s_ShuffleModesCapStr = "shuffle_modes";
 const std::string media::s_RepeatModesCapStr = "repeat_modes";

@@ -1,8 +1,5 @@
 #pragma once
 
-#include <initializer_list>
-#include <string>
-
 #include "host/FlexMode.h"
 #include "host/IBindMessage.h"
 #include "host/ICmdMessage.h"
@@ -12,6 +9,9 @@
 #include "host/INode.h"
 #include "host/TqBaseProxyDriver.h"
 #include "host/auto_com.h"
+
+#include <initializer_list>
+#include <string>
 
 // The media proxy driver: holds what the bound player last reported, as text exactly as it came,
 // passes each report on, and repeats the whole state on request.

@@ -1,8 +1,8 @@
-#include <utility>
-
 #include "driver/media.h"
 #include "host/ToString.h"
 #include "host/TqXML.h"
+
+#include <utility>
 
 namespace {
 

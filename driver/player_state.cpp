@@ -1,9 +1,9 @@
+#include "driver/media.h"
+#include "host/TqXML.h"
+
 #include <algorithm>
 #include <iterator>
 #include <utility>
-
-#include "driver/media.h"
-#include "host/TqXML.h"
 
 void media::AddValues(TqXML::INode& node, std::initializer_list<NamedValue> values) {
   for (const NamedValue& value : values) node.AddNamedValue(value.name, value.value);

@@ -1,7 +1,7 @@
-#include <boost/bind/bind.hpp>
-
 #include "driver/media.h"
 #include "host/TqXML.h"
+
+#include <boost/bind/bind.hpp>
 
 namespace placeholders = boost::placeholders;
 

@@ -1,11 +1,11 @@
 #include "driverhost/FileContent.h"
 
+#include "driverhost/Legible.h"
+
 #include <array>
 #include <cerrno>
 #include <cstring>
 #include <stdexcept>
-
-#include "driverhost/Legible.h"
 
 namespace driverhost {
 

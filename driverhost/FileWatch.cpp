@@ -1,10 +1,10 @@
 #include "driverhost/FileWatch.h"
 
-#include <climits>
-#include <cstddef>
-
 #include <sys/inotify.h>
 #include <unistd.h>
+
+#include <climits>
+#include <cstddef>
 
 namespace driverhost {
 

@@ -1,9 +1,9 @@
 #include "driverhost/JsonTraffic.h"
 
-#include <nlohmann/json.hpp>
-
 #include "driverhost/Base64.h"
 #include "driverhost/Legible.h"
+
+#include <nlohmann/json.hpp>
 
 namespace driverhost {
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <string>
-
 #include "driverhost/Output.h"
 #include "driverhost/Traffic.h"
+
+#include <string>
 
 namespace driverhost {
 

@@ -1,8 +1,8 @@
 #include "driverhost/Output.h"
 
-#include <cerrno>
-
 #include <unistd.h>
+
+#include <cerrno>
 
 namespace driverhost {
 

@@ -1,5 +1,7 @@
 #include "driverhost/Replay.h"
 
+#include "driverhost/Interrupt.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
@@ -8,8 +10,6 @@
 #include <exception>
 #include <utility>
 #include <variant>
-
-#include "driverhost/Interrupt.h"
 
 namespace driverhost {
 

@@ -1,10 +1,5 @@
 #pragma once
 
-#include <memory>
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "driverhost/FileWatch.h"
 #include "driverhost/Output.h"
 #include "driverhost/Session.h"
@@ -12,6 +7,11 @@
 #include "driverhost/Summary.h"
 #include "driverhost/Traffic.h"
 #include "standin/Host.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace driverhost {
 

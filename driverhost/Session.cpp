@@ -1,13 +1,13 @@
 #include "driverhost/Session.h"
 
+#include "driverhost/StepReader.h"
+
+#include <sys/types.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-
-#include <sys/types.h>
-
-#include "driverhost/StepReader.h"
 
 namespace driverhost {
 

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "driverhost/FileContent.h"
+#include "driverhost/Step.h"
+
 #include <cstddef>
 #include <filesystem>
 #include <memory>
@@ -7,9 +10,6 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
-
-#include "driverhost/FileContent.h"
-#include "driverhost/Step.h"
 
 namespace driverhost {
 

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <map>
-#include <string>
-#include <variant>
-
 #include "host/IBindMessage.h"
 #include "host/ICmdMessage.h"
 #include "host/auto_com.h"
+
+#include <map>
+#include <string>
+#include <variant>
 
 namespace driverhost {
 

@@ -1,5 +1,15 @@
 #include "driverhost/StepReader.h"
 
+#include "driverhost/Base64.h"
+#include "driverhost/FileContent.h"
+#include "driverhost/Legible.h"
+#include "driverhost/Number.h"
+#include "driverhost/StepTitle.h"
+#include "host/Base64Encoder.h"
+#include "standin/Host.h"
+
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <array>
 #include <functional>
@@ -8,16 +18,6 @@
 #include <stdexcept>
 #include <utility>
 #include <vector>
-
-#include <nlohmann/json.hpp>
-
-#include "driverhost/Base64.h"
-#include "driverhost/FileContent.h"
-#include "driverhost/Legible.h"
-#include "driverhost/Number.h"
-#include "driverhost/StepTitle.h"
-#include "host/Base64Encoder.h"
-#include "standin/Host.h"
 
 namespace driverhost {
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "driverhost/Step.h"
+
 #include <filesystem>
 #include <string_view>
-
-#include "driverhost/Step.h"
 
 namespace driverhost {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include <nlohmann/json.hpp>
+
+#include <string>
 
 namespace driverhost {
 

@@ -1,8 +1,8 @@
 #include "driverhost/Summary.h"
 
-#include <cstdio>
-
 #include "driverhost/FileContent.h"
+
+#include <cstdio>
 
 namespace driverhost {
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "driverhost/Traffic.h"
+
 #include <cstddef>
 #include <string>
-
-#include "driverhost/Traffic.h"
 
 namespace driverhost {
 

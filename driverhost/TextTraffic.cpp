@@ -1,11 +1,11 @@
 #include "driverhost/TextTraffic.h"
 
-#include <cstdio>
-#include <exception>
-
 #include "driverhost/FileContent.h"
 #include "driverhost/JpegSize.h"
 #include "driverhost/Legible.h"
+
+#include <cstdio>
+#include <exception>
 
 namespace driverhost {
 

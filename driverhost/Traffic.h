@@ -1,9 +1,9 @@
 #pragma once
 
+#include "standin/Host.h"
+
 #include <cstddef>
 #include <string>
-
-#include "standin/Host.h"
 
 namespace driverhost {
 

@@ -1,18 +1,3 @@
-#include <cerrno>
-#include <climits>
-#include <csignal>
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <memory>
-#include <optional>
-#include <stdexcept>
-#include <string>
-
-#include <fcntl.h>
-#include <unistd.h>
-#include <CLI/CLI.hpp>
-
 #include "driverhost/ImageRoot.h"
 #include "driverhost/Interrupt.h"
 #include "driverhost/JsonTraffic.h"
@@ -25,6 +10,22 @@
 #include "driverhost/TextTraffic.h"
 #include "driverhost/Traffic.h"
 #include "standin/Host.h"
+
+#include <CLI/CLI.hpp>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
 
 namespace {
 

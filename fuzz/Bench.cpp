@@ -1,11 +1,11 @@
 #include "fuzz/Bench.h"
 
+#include <libxml/parser.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
-
-#include <libxml/parser.h>
 
 namespace fs = std::filesystem;
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <memory>
-#include <string>
+#include "standin/Host.h"
 
 #include <libxml/tree.h>
 
-#include "standin/Host.h"
+#include <memory>
+#include <string>
 
 // Ends the process, as a fuzzer wants it, when what must hold does not.
 void Require(bool holds, const char* what, const std::string& text = {});

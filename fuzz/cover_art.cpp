@@ -1,12 +1,12 @@
+#include "fuzz/Bench.h"
+#include "fuzz/Input.h"
+
+#include <modp_b64.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-
-#include <modp_b64.h>
-
-#include "fuzz/Bench.h"
-#include "fuzz/Input.h"
 
 namespace fs = std::filesystem;
 

@@ -1,7 +1,7 @@
-#include <sstream>
-
 #include "fuzz/Bench.h"
 #include "fuzz/Input.h"
+
+#include <sstream>
 
 // Each other letter of an input is one of these with all its parameters.
 // clang-format off

@@ -1,8 +1,8 @@
-#include <algorithm>
-#include <fstream>
-
 #include "driverhost/Session.h"
 #include "fuzz/Bench.h"
+
+#include <algorithm>
+#include <fstream>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const std::string file = Bench::Root() + "session.ndjson";

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <string>
-
-#include <boost/function.hpp>
-
 #include "host/HandlerTable.h"
 #include "host/HostApi.h"
 #include "host/ICmdMessage.h"
 #include "host/ICmdReturn.h"
+
+#include <boost/function.hpp>
+
+#include <string>
 
 // Delivers commands by name, with the return holder of the command's sender, which may be null.
 class HOST_API CmdDispatcher {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include "host/HostApi.h"
+
+#include <string>
 
 // Holds a list of modes, given and returned as comma-separated text.
 class HOST_API FlexMode {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include "host/HostApi.h"
+
+#include <string>
 
 // A message from or to the bound device. A handler borrows it for the call.
 class HOST_API IBindMessage {

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <string>
-
 #include "host/HostApi.h"
 #include "host/IBindMessage.h"
 #include "host/ICmdReturn.h"
 #include "host/ITqObject.h"
 #include "host/TqTypes.h"
+
+#include <string>
 
 // A driver as the other end of its bindings sees it; the head of a driver's primary table.
 class HOST_API IBoundDriver : public ITqObject {

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <string>
-
 #include "host/HostApi.h"
 #include "host/auto_com.h"
+
+#include <string>
 
 // A command or a user-interface request. A handler borrows it for the call.
 class HOST_API ICmdMessage {

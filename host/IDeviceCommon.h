@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include "host/HostApi.h"
+
+#include <string>
 
 // A driver's identity as a device. The addresses stay valid for the life of the driver.
 class HOST_API IDeviceCommon {

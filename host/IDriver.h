@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string>
-
 #include "host/HostApi.h"
 #include "host/ICmdMessage.h"
 #include "host/ICmdReturn.h"
@@ -11,6 +9,8 @@
 #include "host/ITqObject.h"
 #include "host/TqTypes.h"
 #include "host/auto_com.h"
+
+#include <string>
 
 // The interface through which the host drives a driver. The host makes its calls into one driver
 // one at a time; what it passes by reference is borrowed for the call; a returned holder's

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include "host/HostApi.h"
+
+#include <string>
 
 // The host's directories; registered under "{311BE68F-E34E-4ED2-9D6F-39AC29384C02}".
 class HOST_API IHostPaths {

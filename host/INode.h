@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include "host/HostApi.h"
+
+#include <string>
 
 namespace TqXML {
 

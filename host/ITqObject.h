@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include "host/HostApi.h"
+
+#include <string>
 
 // What most of the interfaces of a driver begin with.
 class HOST_API ITqObject {

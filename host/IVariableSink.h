@@ -1,9 +1,9 @@
 #pragma once
 
-#include <string>
-
 #include "host/HostApi.h"
 #include "host/ITqObject.h"
+
+#include <string>
 
 // Hears of the state variables of other drivers.
 class HOST_API IVariableSink : public ITqObject {

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <string>
-
-#include <boost/function.hpp>
-
 #include "host/HandlerTable.h"
 #include "host/HostApi.h"
 #include "host/IBindMessage.h"
+
+#include <boost/function.hpp>
+
+#include <string>
 
 // Delivers the bound device's notifications by name.
 class HOST_API NtfDispatcher {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string>
-
 #include "host/HostApi.h"
 #include "host/IBindMessage.h"
 #include "host/IBoundDriver.h"
@@ -19,6 +17,8 @@
 #include "host/TqTypes.h"
 #include "host/UICmdDispatcher.h"
 #include "host/auto_com.h"
+
+#include <string>
 
 // The base of all drivers. The host binary calls through the eight tables by slot number: the order
 // of the bases and of the virtual operations is part of the interface. Each operation stands once

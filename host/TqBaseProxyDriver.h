@@ -1,12 +1,12 @@
 #pragma once
 
-#include <string>
-
 #include "host/CmdDispatcher.h"
 #include "host/HostApi.h"
 #include "host/IRoomOutputs.h"
 #include "host/NtfDispatcher.h"
 #include "host/TqBaseDriver.h"
+
+#include <string>
 
 // The base of drivers that stand between one bound device and the user interfaces. It hands
 // notifications, commands and requests to the dispatchers, in which the driver has registered its

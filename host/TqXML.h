@@ -1,10 +1,10 @@
 #pragma once
 
-#include <string>
-
 #include "host/HostApi.h"
 #include "host/INode.h"
 #include "host/auto_com.h"
+
+#include <string>
 
 namespace TqXML {
 

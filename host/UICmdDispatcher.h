@@ -1,14 +1,14 @@
 #pragma once
 
-#include <string>
-
-#include <boost/function.hpp>
-
 #include "host/HandlerTable.h"
 #include "host/HostApi.h"
 #include "host/ICmdMessage.h"
 #include "host/INode.h"
 #include "host/auto_com.h"
+
+#include <boost/function.hpp>
+
+#include <string>
 
 // Delivers user-interface requests by name. The node that a handler returns is the answer; its
 // reference passes to the host. An empty holder is no answer.

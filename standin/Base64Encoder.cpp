@@ -1,8 +1,8 @@
 #include "host/Base64Encoder.h"
 
-#include <algorithm>
-
 #include <modp_b64.h>
+
+#include <algorithm>
 
 namespace {
 

@@ -1,10 +1,10 @@
 #include "standin/BindMessage.h"
 
-#include <utility>
-
 #include "standin/CmdMessage.h"
 #include "standin/XmlReader.h"
 #include "standin/XmlText.h"
+
+#include <utility>
 
 namespace standin {
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <string>
-
 #include "host/IBindMessage.h"
 #include "standin/Counted.h"
+
+#include <string>
 
 namespace standin {
 

@@ -1,13 +1,13 @@
 #include "standin/CmdMessage.h"
 
-#include <algorithm>
-#include <cstdlib>
-#include <utility>
-
 #include "host/ToString.h"
 #include "standin/Services.h"
 #include "standin/XmlReader.h"
 #include "standin/XmlText.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
 
 namespace standin {
 

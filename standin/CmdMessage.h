@@ -1,9 +1,9 @@
 #pragma once
 
-#include <string>
-
 #include "host/ICmdMessage.h"
 #include "standin/Counted.h"
+
+#include <string>
 
 namespace standin {
 

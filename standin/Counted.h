@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstddef>
-
 #include "standin/Host.h"
+
+#include <cstddef>
 
 namespace standin {
 

@@ -1,9 +1,9 @@
-#include <utility>
-
 #include "host/CmdDispatcher.h"
 #include "host/NtfDispatcher.h"
 #include "host/UICmdDispatcher.h"
 #include "standin/Services.h"
+
+#include <utility>
 
 namespace {
 

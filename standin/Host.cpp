@@ -1,12 +1,12 @@
 #include "standin/Host.h"
 
-#include <stdexcept>
-#include <utility>
-
 #include "standin/CmdMessage.h"
 #include "standin/Counted.h"
 #include "standin/Services.h"
 #include "standin/Tree.h"
+
+#include <stdexcept>
+#include <utility>
 
 namespace standin {
 

@@ -1,12 +1,5 @@
 #pragma once
 
-#include <cstddef>
-#include <map>
-#include <memory>
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "host/HostApi.h"
 #include "host/IBindMessage.h"
 #include "host/ICmdMessage.h"
@@ -14,6 +7,13 @@
 #include "host/IDriver.h"
 #include "host/TqBaseProxyDriver.h"
 #include "host/auto_com.h"
+
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
 // A stand-in for the controller's driver host: it loads a plug-in, delivers messages to its driver
 // and tells an observer what comes out. Everything runs on the caller's thread, and only one thread

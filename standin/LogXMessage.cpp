@@ -1,10 +1,10 @@
 #include "host/LogXMessage.h"
 
+#include "standin/Services.h"
+
 #include <cstdarg>
 #include <cstdio>
 #include <string>
-
-#include "standin/Services.h"
 
 // A line that is written outside any call of a host into its driver is nobody's and is dropped.
 void LogXMessage(unsigned int level, const char* format, ...) {

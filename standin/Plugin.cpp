@@ -1,9 +1,9 @@
-#include <filesystem>
-#include <stdexcept>
+#include "standin/Host.h"
 
 #include <dlfcn.h>
 
-#include "standin/Host.h"
+#include <filesystem>
+#include <stdexcept>
 
 namespace standin {
 

@@ -1,15 +1,15 @@
 #pragma once
 
+#include "host/IHostPaths.h"
+#include "host/IInstanceManager.h"
+#include "host/IRoomOutputs.h"
+#include "standin/Host.h"
+
 #include <bitset>
 #include <map>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "host/IHostPaths.h"
-#include "host/IInstanceManager.h"
-#include "host/IRoomOutputs.h"
-#include "standin/Host.h"
 
 namespace standin {
 

@@ -1,13 +1,13 @@
 #include "host/TqBaseDriver.h"
 
-#include <utility>
-
 #include "host/TqXML.h"
 #include "standin/BindMessage.h"
 #include "standin/CmdMessage.h"
 #include "standin/Services.h"
 #include "standin/Tree.h"
 #include "standin/XmlText.h"
+
+#include <utility>
 
 using standin::BindMessage;
 using standin::CmdMessage;

@@ -1,11 +1,11 @@
 #include "host/TqBaseProxyDriver.h"
 
-#include <string>
-#include <utility>
-
 #include "standin/BindMessage.h"
 #include "standin/CmdMessage.h"
 #include "standin/Services.h"
+
+#include <string>
+#include <utility>
 
 using standin::BindMessage;
 using standin::CmdMessage;

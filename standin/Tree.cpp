@@ -1,12 +1,12 @@
 #include "standin/Tree.h"
 
-#include <cassert>
-#include <utility>
-
 #include "host/XmlHelper.h"
 #include "standin/Services.h"
 #include "standin/XmlReader.h"
 #include "standin/XmlText.h"
+
+#include <cassert>
+#include <utility>
 
 namespace standin {
 

@@ -1,14 +1,14 @@
 #pragma once
 
+#include "host/INode.h"
+#include "host/TqXML.h"
+#include "standin/Counted.h"
+
 #include <cstddef>
 #include <forward_list>
 #include <memory_resource>
 #include <string>
 #include <string_view>
-
-#include "host/INode.h"
-#include "host/TqXML.h"
-#include "standin/Counted.h"
 
 namespace standin {
 

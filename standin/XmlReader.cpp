@@ -1,5 +1,7 @@
 #include "standin/XmlReader.h"
 
+#include <expat.h>
+
 #include <algorithm>
 #include <array>
 #include <climits>
@@ -8,8 +10,6 @@
 #include <new>
 #include <string_view>
 #include <type_traits>
-
-#include <expat.h>
 
 namespace standin {
 

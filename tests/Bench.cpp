@@ -1,5 +1,9 @@
 #include "tests/Bench.h"
 
+#include <gtest/gtest.h>
+#include <libxml/c14n.h>
+#include <libxml/parser.h>
+
 #include <clocale>
 #include <cstdlib>
 #include <filesystem>
@@ -8,10 +12,6 @@
 #include <locale>
 #include <memory>
 #include <sstream>
-
-#include <gtest/gtest.h>
-#include <libxml/c14n.h>
-#include <libxml/parser.h>
 
 namespace fs = std::filesystem;
 

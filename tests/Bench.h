@@ -1,11 +1,11 @@
 #pragma once
 
+#include "standin/Host.h"
+
 #include <functional>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "standin/Host.h"
 
 // Traffic as one line a piece; every document in it has been read by a parser of its own.
 class Recorder : public standin::Observer {

@@ -1,5 +1,13 @@
 #include "tests/FaultPoints.h"
 
+#include "tests/Bench.h"
+
+#include <gtest/gtest.h>
+#include <jpeglib.h>
+#include <libxml/xmlmemory.h>
+
+#include <jerror.h>
+
 #include <dlfcn.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -9,14 +17,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
-
-#include <gtest/gtest.h>
-#include <jpeglib.h>
-#include <libxml/xmlmemory.h>
-
-#include "tests/Bench.h"
-
-#include <jerror.h>
 
 namespace {
 

@@ -1,14 +1,14 @@
+#include "driverhost/Base64.h"
+#include "tests/Bench.h"
+
+#include <gtest/gtest.h>
+
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <random>
 #include <sstream>
 #include <tuple>
-
-#include <gtest/gtest.h>
-
-#include "driverhost/Base64.h"
-#include "tests/Bench.h"
 
 namespace fs = std::filesystem;
 

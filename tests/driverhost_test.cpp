@@ -1,3 +1,9 @@
+#include "driverhost/Session.h"
+#include "tests/Bench.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
 #include <regex.h>
 #include <sys/wait.h>
 
@@ -5,12 +11,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-
-#include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
-
-#include "driverhost/Session.h"
-#include "tests/Bench.h"
 
 namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;

@@ -1,3 +1,8 @@
+#include "tests/Bench.h"
+#include "tests/FaultPoints.h"
+
+#include <gtest/gtest.h>
+
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -6,11 +11,6 @@
 #include <filesystem>
 #include <sstream>
 #include <stdexcept>
-
-#include <gtest/gtest.h>
-
-#include "tests/Bench.h"
-#include "tests/FaultPoints.h"
 
 namespace fs = std::filesystem;
 

@@ -1,10 +1,10 @@
-#include <climits>
-#include <filesystem>
-#include <fstream>
+#include "tests/Bench.h"
 
 #include <gtest/gtest.h>
 
-#include "tests/Bench.h"
+#include <climits>
+#include <filesystem>
+#include <fstream>
 
 namespace fs = std::filesystem;
 

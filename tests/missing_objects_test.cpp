@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include "tests/Bench.h"
+
+#include <gtest/gtest.h>
 
 using standin::Factory;
 

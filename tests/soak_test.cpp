@@ -1,3 +1,8 @@
+#include "tests/Bench.h"
+#include "tests/FaultPoints.h"
+
+#include <gtest/gtest.h>
+
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -10,11 +15,6 @@
 #include <memory>
 #include <random>
 #include <string>
-
-#include <gtest/gtest.h>
-
-#include "tests/Bench.h"
-#include "tests/FaultPoints.h"
 
 namespace fs = std::filesystem;
 

@@ -1,9 +1,9 @@
-#include <gtest/gtest.h>
-
 #include "host/Base64Encoder.h"
 #include "host/TqXML.h"
 #include "host/XmlHelper.h"
 #include "tests/Bench.h"
+
+#include <gtest/gtest.h>
 
 TEST(Node, KeepsTheOrderOfAdding) {
   const auto node = TqXML::CreateXmlNode("a", "");

@@ -1,12 +1,12 @@
+#include "tests/Bench.h"
+
+#include <gtest/gtest.h>
+
 #include <cxxabi.h>
 #include <dlfcn.h>
 
 #include <cstring>
 #include <memory>
-
-#include <gtest/gtest.h>
-
-#include "tests/Bench.h"
 
 namespace {
 

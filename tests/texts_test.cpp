@@ -1,8 +1,8 @@
-#include <set>
+#include "tests/Bench.h"
 
 #include <gtest/gtest.h>
 
-#include "tests/Bench.h"
+#include <set>
 
 namespace {
 
