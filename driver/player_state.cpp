@@ -49,7 +49,7 @@ tq::auto_com<TqXML::INode> media::OnGetOnlineStatus(const ICmdMessage&) {
 void media::KeepModesList(const IBindMessage& msg, const char* document, const std::string& name,
                           FlexMode& list) {
   list.SetModesList(msg.GetParamValue(name));
-  SendToUI(document, {{name.c_str(), list.GetModesList()}});
+  SendToUI(document, {{name, list.GetModesList()}});
 }
 
 void media::OnNtfSetShuffleModes(const IBindMessage& msg) {

@@ -85,6 +85,8 @@ void Host::SetFault(Factory factory, bool fails) {
 
 const std::vector<std::string>& Host::Registered() const { return m_Services->registered; }
 
+const std::map<unsigned long, std::string>& Host::Bindings() const { return m_Services->bindings; }
+
 IDriver& Host::Driver() { return *m_Driver; }
 
 TqBaseProxyDriver& Host::Object() { return static_cast<TqBaseProxyDriver&>(*m_Driver); }

@@ -101,8 +101,8 @@ enum class Factory : unsigned { Node, Document, CommandMessage, Clone, BindMessa
 class Services;
 
 // The part of a driver host that serves one driver, which derives from TqBaseProxyDriver. Calls
-// into the driver let its exceptions through. After Destroy, no operation but the destructor may be
-// called.
+// into the driver let its exceptions through. After Destroy, no operation that calls the driver may
+// be called.
 class HOST_API Host {
  public:
   // Creates the driver, not yet initialized. `imageRoot` is what the path service answers, with its
@@ -125,10 +125,14 @@ class HOST_API Host {
   // Makes a user-interface request.
   void Request(const ICmdMessage& request);
 
-  // Makes a binding to a device that from now on states these capabilities, and breaks it.
+  // Makes a binding to a device, and breaks it. The device behind the driver's proxy binding states
+  // these capabilities from now on.
   void Bind(unsigned long bindingId, const std::string& className,
             std::map<std::string, std::string> capabilities);
   void Unbind(unsigned long bindingId, const std::string& className);
+
+  // The bindings that the base class knows to be made, each with its class.
+  const std::map<unsigned long, std::string>& Bindings() const;
 
   // The outputs that the room-output service answers from now on for kind 2, the one that drivers
   // ask for; 0 for a room not named and for other kinds.

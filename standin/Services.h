@@ -51,6 +51,7 @@ class Services final : public IInstanceManager, public IHostPaths, public IRoomO
   // Of the device that is being bound; of the one that is.
   std::map<std::string, std::string> offered;
   std::map<std::string, std::string> capabilities;
+  std::map<unsigned long, std::string> bindings;
   std::map<unsigned long, unsigned long> rooms;
   std::map<unsigned long, Variable> variables;
   std::vector<std::string> registered;

@@ -23,8 +23,14 @@ void TqBaseProxyDriver::BoundCall(unsigned long bindingId, BindingType, const st
   if (bindingId == m_BindingId) HandleNotification(msg);
 }
 
-void TqBaseProxyDriver::OnBindingChanged(unsigned long bindingId, const std::string&, bool bound) {
+void TqBaseProxyDriver::OnBindingChanged(unsigned long bindingId, const std::string& className,
+                                         bool bound) {
   auto& services = Services::Of(m_InstanceManager);
+  if (bound) {
+    services.bindings.insert_or_assign(bindingId, className);
+  } else {
+    services.bindings.erase(bindingId);
+  }
   if (bindingId == m_BindingId && bound) services.capabilities = std::move(services.offered);
 }
 

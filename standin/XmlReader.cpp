@@ -83,8 +83,10 @@ class Gatherer {
     }
     if (m_Depth < 2) {
       m_Content.elements.push_back({name, {}, {}});
-      for (; *attributes && !usesOwnEntities; attributes += 2) {
-        m_Content.elements.back().attributes.emplace_back(attributes[0], attributes[1]);
+      // Behind those of the tag come the defaults that the document declares.
+      const int stated = usesOwnEntities ? 0 : XML_GetSpecifiedAttributeCount(m_Parser.get());
+      for (int i = 0; i < stated; i += 2) {
+        m_Content.elements.back().attributes.emplace_back(attributes[i], attributes[i + 1]);
       }
     }
     ++m_Depth;

@@ -12,8 +12,8 @@ namespace standin {
 struct XmlContent {
   struct Element {
     std::string name;
-    std::vector<std::pair<std::string, std::string>>
-        attributes;    // none if own entities are in them
+    // Those of the start tag itself; none if own entities are in it.
+    std::vector<std::pair<std::string, std::string>> attributes;
     std::string text;  // of the element and of all that is below it
 
     // Empty when the element has no such attribute.

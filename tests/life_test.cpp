@@ -121,6 +121,16 @@ TEST(Life, InitializesAgainForAnotherIdAndSaysSo) {
   EXPECT_TRUE(fs::is_directory(bench.root + "ipod/9"));
 }
 
+TEST(Life, TellsTheBaseClassOfEveryBinding) {
+  Bench bench;
+  bench.host.Bind(5001, "PLAYER", {});
+  bench.host.Bind(5002, "OTHER", {});
+  EXPECT_EQ(bench.host.Bindings(), (std::map<unsigned long, std::string>{{5001, "PLAYER"}, {5002, "OTHER"}}));
+  bench.host.Unbind(5001, "PLAYER");
+  bench.host.Unbind(5002, "OTHER");
+  EXPECT_TRUE(bench.host.Bindings().empty());
+}
+
 TEST(Life, HoldsOneDocumentAtATime) {
   Bench bench;
   for (const char* header : {"NEW_LIST", "NEW_MENU", "NEW_LIST"}) {

@@ -17,6 +17,7 @@ const std::string s_Lost = "\xEF\xBF\xBD";
 std::vector<Text> Texts() {
   std::vector<Text> texts = {
       {" leading and trailing ", " leading and trailing "},
+      {{"a\0b", 3}, "a" + s_Lost + "b"},
       {"\ttab\r\nline\rend\n", "\ttab\r\nline\rend\n"},
       {"<a b=\"c\">&amp;]]></a>'", "<a b=\"c\">&amp;]]></a>'"},
       {"\xC3\xA4\xE6\xB0\xB4\xF0\x9F\x9A\x86\x7F\xC2\x85", "\xC3\xA4\xE6\xB0\xB4\xF0\x9F\x9A\x86\x7F\xC2\x85"},
