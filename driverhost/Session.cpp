@@ -30,7 +30,7 @@ Session::Session(const std::string& path) : m_Name(path) {
   }
   try {
     m_File = OpenFile(path);
-  } catch (const std::runtime_error& error) {
+  } catch (const std::exception& error) {
     throw SessionError(std::string("driverhost: ") + error.what());
   }
   m_Folder = std::filesystem::path(path).parent_path();
@@ -42,8 +42,8 @@ std::optional<std::string_view> Session::ReadLine() {
   const ssize_t size = getline(&line, &m_Capacity, m_File.get());
   const int error = errno;
   m_Line.reset(line);
-  // After an error, too, getline returns what it has of the line.
-  if (std::ferror(m_File.get())) {
+  // After an error, too, getline returns what it has of the line; without memory it sets no flag.
+  if (std::ferror(m_File.get()) || (size < 0 && !std::feof(m_File.get()))) {
     if (error == EINTR) return std::nullopt;
     throw SessionError("driverhost: cannot read " + m_Name + ": " + std::strerror(error));
   }
