@@ -23,7 +23,6 @@ BindMessage::BindMessage(std::string name, std::string command, Params params, s
 
 std::string BindMessage::GetXml() const {
   if (!m_Xml.empty()) return m_Xml;
-  if (!m_Command.empty()) return CommandXml(m_Command, m_Params);
   std::string xml = "<";
   AppendName(xml, m_Name);
   if (m_Params.empty()) return xml += "/>";

@@ -3,7 +3,6 @@
 #include "host/ToString.h"
 #include "standin/Services.h"
 #include "standin/XmlReader.h"
-#include "standin/XmlText.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -46,22 +45,6 @@ const Param* FindParam(const Params& params, const std::string& name) {
   const auto param = std::find_if(params.begin(), params.end(),
                                   [&name](const Param& other) { return other.name == name; });
   return param == params.end() ? nullptr : &*param;
-}
-
-std::string CommandXml(const std::string& name, const Params& params) {
-  std::string xml = "<command";
-  AppendAttribute(xml, "name", name);
-  if (params.empty()) return xml + "/>";
-  xml += '>';
-  for (const Param& param : params) {
-    xml += "<param";
-    AppendAttribute(xml, "name", param.name);
-    AppendAttribute(xml, "type", param.type);
-    xml += '>';
-    AppendText(xml, param.value);
-    xml += "</param>";
-  }
-  return xml + "</command>";
 }
 
 tq::auto_com<ICmdMessage> ReadCommand(const std::string& xml) {

@@ -33,11 +33,8 @@ class CmdMessage final : public Counted<CmdMessage, ICmdMessage> {
 // The first parameter of that name, or null.
 const Param* FindParam(const Params& params, const std::string& name);
 
-// A command as XML text: <command name="RESET"><param name="ROOM_ID"
-// type="INTEGER">5</param></command>
-std::string CommandXml(const std::string& name, const Params& params);
-
-// The command that such a text stands for; empty when it does not parse or is none.
+// The command that such a text stands for: <command name="RESET"><param name="ROOM_ID"
+// type="INTEGER">5</param></command>. Empty when the text does not parse or is none.
 tq::auto_com<ICmdMessage> ReadCommand(const std::string& xml);
 
 }  // namespace standin

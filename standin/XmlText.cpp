@@ -41,7 +41,7 @@ struct Escapes {
   std::array<Writing, 256> writing{};
   std::array<std::string_view, 128> inPlace{};
 
-  constexpr explicit Escapes(bool attribute) {
+  constexpr Escapes() {
     for (std::size_t c = 0; c < 256; ++c) {
       if (c < 0x20) {
         Set(c, s_Replacement);
@@ -54,11 +54,6 @@ struct Escapes {
     Set('&', "&amp;");
     Set('<', "&lt;");
     Set('>', "&gt;");
-    if (attribute) {
-      Set('\t', "&#9;");
-      Set('\n', "&#10;");
-      Set('"', "&quot;");
-    }
   }
 
  private:
@@ -68,10 +63,12 @@ struct Escapes {
   }
 };
 
+constexpr Escapes s_Escapes;
+
 // The length of the head of `text` that is written as it is.
-std::size_t PlainLength(std::string_view text, const Escapes& escapes) {
-  const auto writing = [&](char c) { return escapes.writing[static_cast<unsigned char>(c)]; };
-  const auto isOther = [&](char c) { return writing(c) != Writing::Same; };
+std::size_t PlainLength(std::string_view text) {
+  const auto writing = [](char c) { return s_Escapes.writing[static_cast<unsigned char>(c)]; };
+  const auto isOther = [=](char c) { return writing(c) != Writing::Same; };
   for (const char* at = text.begin();;) {
     at = std::find_if(at, text.end(), isOther);
     const auto length = static_cast<std::size_t>(at - text.begin());
@@ -81,22 +78,6 @@ std::size_t PlainLength(std::string_view text, const Escapes& escapes) {
     at += sequence.length;
   }
 }
-
-void AppendEscaped(std::string& xml, std::string_view text, const Escapes& escapes) {
-  for (;;) {
-    const std::size_t plain = PlainLength(text, escapes);
-    xml += text.substr(0, plain);
-    text.remove_prefix(plain);
-    if (text.empty()) return;
-    const auto byte = static_cast<unsigned char>(text[0]);
-    const bool inPlace = escapes.writing[byte] == Writing::InPlace;
-    xml += inPlace ? escapes.inPlace[byte] : s_Replacement;
-    text.remove_prefix(inPlace ? 1 : ReadSequence(text).length);
-  }
-}
-
-constexpr Escapes s_TextEscapes(false);
-constexpr Escapes s_AttributeEscapes(true);
 
 constexpr bool IsNameStart(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
@@ -133,15 +114,16 @@ void Append(std::string& xml, Pieces... pieces) {
 }  // namespace
 
 void AppendText(std::string& xml, std::string_view text) {
-  AppendEscaped(xml, text, s_TextEscapes);
-}
-
-void AppendAttribute(std::string& xml, std::string_view name, std::string_view value) {
-  xml += ' ';
-  AppendName(xml, name);
-  xml += "=\"";
-  AppendEscaped(xml, value, s_AttributeEscapes);
-  xml += '"';
+  for (;;) {
+    const std::size_t plain = PlainLength(text);
+    xml += text.substr(0, plain);
+    text.remove_prefix(plain);
+    if (text.empty()) return;
+    const auto byte = static_cast<unsigned char>(text[0]);
+    const bool inPlace = s_Escapes.writing[byte] == Writing::InPlace;
+    xml += inPlace ? s_Escapes.inPlace[byte] : s_Replacement;
+    text.remove_prefix(inPlace ? 1 : ReadSequence(text).length);
+  }
 }
 
 void AppendName(std::string& xml, std::string_view name) {
@@ -163,7 +145,7 @@ void AppendElement(std::string& xml, std::string_view name, std::string_view tex
     AppendElement(xml, valid, text);
   } else if (text.empty()) {
     Append(xml, "<"sv, name, "/>"sv);
-  } else if (PlainLength(text, s_TextEscapes) == text.size()) {
+  } else if (PlainLength(text) == text.size()) {
     Append(xml, "<"sv, name, ">"sv, text, "</"sv, name, ">"sv);
   } else {
     Append(xml, "<"sv, name, ">"sv);

@@ -10,7 +10,6 @@ namespace standin {
 // characters, U+FFFE, U+FFFF, and bytes that are not UTF-8 (one for each maximal part of a broken
 // sequence, as in section 3.9 of the Unicode standard).
 void AppendText(std::string& xml, std::string_view text);
-void AppendAttribute(std::string& xml, std::string_view name, std::string_view value);
 
 // Element names are kept to the ASCII characters that XML allows in them; the others become '_'.
 void AppendName(std::string& xml, std::string_view name);
