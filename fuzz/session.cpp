@@ -30,7 +30,7 @@ static void Deliver(standin::Host& host, Input& input) {
     case 'x': return host.Notify(*standin::MakeNotificationFromXml(name, input.Text()));
     case 'c': return host.Execute(*standin::MakeCommand(name, AnyParams(input)));
     case 'r': return host.Request(*standin::MakeCommand(name, AnyParams(input)));
-    case 'b': return host.Bind(5001 + input.Byte() / 128, name, {{input.Text(), input.Text()}});
+    case 'b': return host.Bind(name.size() % 2 == 0 ? 5001 : 5002, name, {{input.Text(), input.Text()}});
     case 'u': return host.Unbind(5001, name);
     case 'o': return host.SetRooms({{input.Byte(), input.Byte()}});
     case 'p': return host.Persist();

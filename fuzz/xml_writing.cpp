@@ -16,6 +16,8 @@ std::string ReadBack(const std::string& text) {
                                                             xmlFree);
   const std::string back = reinterpret_cast<const char*>(content.get());
   if (back.find("\xEF\xBF\xBD") == std::string::npos) Require(back == text, "characters come back", text);
+  const auto message = standin::MakeNotificationFromXml("N", "<r>" + xml + "</r>");
+  Require(message->GetParamText("a") == back, "the stand-in reads the same characters", xml);
   return back;
 }
 
