@@ -1,10 +1,9 @@
 #include "driverhost/Session.h"
 #include "tests/Bench.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
-#include <regex.h>
 #include <sys/wait.h>
 
 #include <csignal>
@@ -14,6 +13,7 @@
 
 namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
+using testing::ContainsRegex;
 
 namespace {
 
@@ -32,14 +32,6 @@ Ended Shell(const std::string& command, const std::string& session = "") {
   Ended ended{WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadFile(directory + "out"), ReadFile(directory + "err")};
   fs::remove_all(directory);
   return ended;
-}
-
-bool Finds(const std::string& text, const std::string& pattern) {
-  regex_t regex;
-  EXPECT_EQ(regcomp(&regex, pattern.c_str(), REG_EXTENDED | REG_NOSUB), 0) << pattern;
-  const bool found = regexec(&regex, text.c_str(), 0, nullptr, 0) == 0;
-  regfree(&regex);
-  return found;
 }
 
 Json Lines(const std::string& text) {
@@ -132,7 +124,7 @@ TEST(Driverhost, TellsWhatIsWrongWithALine) {
     const std::string& line = row.at(1);
     const Ended ended = Shell("$D replay --json s", "\xEF\xBB\xBF# a comment\n{\"notify\":\"A\"}\r\n\r\n" + line);
     EXPECT_EQ(ended.status, 2) << line;
-    EXPECT_TRUE(Finds(ended.error, "^s:4: [^\n]*(" + error + ")[^\n]*\n")) << line << " said " << ended.error;
+    EXPECT_THAT(ended.error, ContainsRegex("^s:4: [^\n]*(" + error + ")[^\n]*\n")) << line;
     ASSERT_EQ(Lines(ended.out).size(), 5U) << ended.out;
     EXPECT_EQ(Lines(ended.out)[2].dump(), R"({"step":2,"to":"ui","xml":"<A/>"})");
     EXPECT_EQ(Lines(ended.out)[3].at("action"), "removed");
@@ -152,7 +144,7 @@ TEST(Driverhost, EndsAsItSays) {
     const std::string& command = row.at(3);
     const Ended ended = Shell(command, "{\"notify\":\"A\",\"params\":{\"p\":\"v\"}}\n");
     EXPECT_EQ(std::to_string(ended.status), row[0]) << command << '\n' << ended.error;
-    EXPECT_TRUE(Finds(ended.out, row[1])) << command << " printed " << ended.out;
-    EXPECT_TRUE(Finds(ended.error, row[2])) << command << " said " << ended.error;
+    EXPECT_THAT(ended.out, ContainsRegex(row[1])) << command;
+    EXPECT_THAT(ended.error, ContainsRegex(row[2])) << command;
   }
 }

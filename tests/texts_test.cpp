@@ -1,5 +1,6 @@
 #include "tests/Bench.h"
 
+#include <boost/algorithm/string/replace.hpp>
 #include <gtest/gtest.h>
 
 #include <set>
@@ -35,17 +36,13 @@ std::vector<Text> Texts() {
   return texts;
 }
 
-std::string Replaced(std::string text, const std::string& what, const std::string& by) {
-  for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at + by.size())) {
-    text.replace(at, what.size(), by);
-  }
-  return text;
-}
-
 // As canonical XML writes it.
 std::string Escaped(std::string text) {
-  text = Replaced(Replaced(Replaced(text, "&", "&amp;"), "<", "&lt;"), ">", "&gt;");
-  return Replaced(text, "\r", "&#xD;");
+  boost::replace_all(text, "&", "&amp;");
+  boost::replace_all(text, "<", "&lt;");
+  boost::replace_all(text, ">", "&gt;");
+  boost::replace_all(text, "\r", "&#xD;");
+  return text;
 }
 
 }  // namespace
