@@ -75,9 +75,9 @@ class Worker:
             try:
                 run = subprocess.run(command, env=environment, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=120)
             except subprocess.TimeoutExpired:
-                return ["timeout"]
+                return [b"timeout"]
             if run.returncode != 0:
-                return re.findall(rb"\[  FAILED  \] (\w+\.\w+) \(", run.stdout) or ["crash"]
+                return re.findall(rb"\[  FAILED  \] (\w+\.\w+) \(", run.stdout) or [b"crash"]
         return None
 
     def try_one(self, mutant):
@@ -101,7 +101,7 @@ def main():
     number = int(sys.argv[1]) if len(sys.argv) > 1 else 120
     seed = int(sys.argv[2]) if len(sys.argv) > 2 else 1
     print("seed", seed)
-    chosen = [(path.name, line, text) for path in sorted((ROOT / "driver").glob("*.cpp")) for line, text in mutants(path)]
+    chosen = [(path.name, line, text) for path in sorted((ROOT / "driver").glob("*.[ch]*")) for line, text in mutants(path)]
     print(len(chosen), "mutants in all")
     random.Random(seed).shuffle(chosen)
     with tempfile.TemporaryDirectory() as folder:
