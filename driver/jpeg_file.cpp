@@ -28,15 +28,12 @@ static_assert(std::is_trivial_v<Compression>);
   std::longjmp(compression->failed, 1);
 }
 
-void OnMessage(j_common_ptr, int) {}
-
 void OnOutput(j_common_ptr) {}
 
 void Create(Compression& c) {
   c.compressor.err = jpeg_std_error(&c.errors);
   c.compressor.client_data = &c;
   c.errors.error_exit = &OnError;
-  c.errors.emit_message = &OnMessage;
   c.errors.output_message = &OnOutput;
   jpeg_create_compress(&c.compressor);
 }
