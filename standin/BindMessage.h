@@ -9,7 +9,8 @@ namespace standin {
 
 class BindMessage final : public Counted<BindMessage, IBindMessage> {
  public:
-  // `name` is what the message is dispatched by. Without `xml` the text is made from the rest.
+  // `name` is what the message is dispatched by. Without `xml` the text is made from name and
+  // parameters.
   BindMessage(std::string name, std::string command, Params params, std::string xml);
 
   const std::string& Name() const { return m_Name; }
