@@ -15,8 +15,7 @@ namespace {
 const std::string s_Folder = "/dev/shm/mediaproxy-benchmarks/";
 
 void WriteWithDriver(const Cover& cover, const std::string& path) {
-  std::string fault;
-  WriteJPEGFile(path, cover.Raw(), fault);
+  WriteJPEGFile(path, cover.Raw());
 }
 
 // What nobody can beat with this library: all rows are there.

@@ -10,23 +10,6 @@
 
 namespace {
 
-constexpr char s_NoFile565[] = "ipod::Write565ToJPEGFile:  failed to create .jpg file %s";
-
-// The raw formats, with the step that writes each.
-struct RawFormat {
-  const char* name;
-  const char* failure;
-  const char* noFile;
-  PixelLayout layout;
-};
-constexpr RawFormat s_RawFormats[] = {
-    {"RGB565", "ipod::Write565ToJPEGFile: %s", s_NoFile565, {2, &Unpack565}},
-    {"RGB888",
-     "ipod::Write888ToJPEGFile: %s",
-     "ipod::Write888ToJPEGFile: failed to create .jpg file %s",
-     {4, &Unpack888}},
-};
-
 // What keeps the bytes from being a picture of that size; empty when nothing does.
 std::string BoundsFault(const std::string& bytes, long width, long height,
                         std::size_t bytesPerPixel) {
@@ -41,41 +24,64 @@ std::string BoundsFault(const std::string& bytes, long width, long height,
          std::to_string(bytes.size());
 }
 
-void WriteRaw(const RawFormat& format, const std::string& path, const std::string& bytes,
-              long width, long height) {
-  std::string fault = BoundsFault(bytes, width, height, format.layout.bytesPerPixel);
-  if (fault.empty()) {
-    const RawPicture picture{reinterpret_cast<const unsigned char*>(bytes.data()), format.layout,
-                             static_cast<unsigned>(width), static_cast<unsigned>(height)};
-    if (!WriteJPEGFile(path, picture, fault)) {
-      LogXMessage(3, format.noFile, path.c_str());
+// The log lines of a raw format's step, each with a place for one text.
+struct StepLines {
+  const char* noFile;
+  const char* failure;
+};
+
+// What both steps do.
+void WriteRaw(const StepLines& lines, const PixelLayout& layout, const std::string& path,
+              const std::string& bytes, long width, long height) {
+  const std::string fault = BoundsFault(bytes, width, height, layout.bytesPerPixel);
+  if (!fault.empty()) return LogXMessage(3, lines.failure, fault.c_str());
+
+  const RawPicture picture{reinterpret_cast<const unsigned char*>(bytes.data()), layout,
+                           static_cast<unsigned>(width), static_cast<unsigned>(height)};
+  const JPEGResult result = WriteJPEGFile(path, picture);
+  switch (result.outcome) {
+    case JPEGResult::Written:
       return;
-    }
+    case JPEGResult::NotOpened:
+      return LogXMessage(3, lines.noFile, path.c_str());
+    case JPEGResult::Failed:
+      return LogXMessage(3, lines.failure, result.fault.c_str());
   }
-  if (!fault.empty()) LogXMessage(3, format.failure, fault.c_str());
+}
+
+// The texts of the log lines are fixed, with three oddities: two blanks in this line and one in the
+// other step's; the JPEG branch, too, reports by this line; and where no step runs, the lines name
+// "OnNtfCoverArt", though the handler is OnNtfNewCoverArt.
+constexpr char s_NoFile565[] = "ipod::Write565ToJPEGFile:  failed to create .jpg file %s";
+
+void Write565ToJPEGFile(const std::string& path, const std::string& bytes, long width,
+                        long height) {
+  WriteRaw({s_NoFile565, "ipod::Write565ToJPEGFile: %s"}, {2, &Unpack565}, path, bytes, width,
+           height);
+}
+
+void Write888ToJPEGFile(const std::string& path, const std::string& bytes, long width,
+                        long height) {
+  WriteRaw(
+      {"ipod::Write888ToJPEGFile: failed to create .jpg file %s", "ipod::Write888ToJPEGFile: %s"},
+      {4, &Unpack888}, path, bytes, width, height);
 }
 
 void WriteStream(const std::string& path, const std::string& bytes, long size) {
   if (size < 0 || static_cast<unsigned long>(size) > bytes.size()) {
-    LogXMessage(3, "ipod::OnNtfCoverArt: %s",
-                ("a JPEG size of " + std::to_string(size) + " is outside 0 to the " +
-                 std::to_string(bytes.size()) + " bytes that there are")
-                    .c_str());
-    return;
+    const std::string fault = "a JPEG size of " + std::to_string(size) + " is outside 0 to the " +
+                              std::to_string(bytes.size()) + " bytes that there are";
+    return LogXMessage(3, "ipod::OnNtfCoverArt: %s", fault.c_str());
   }
-  const FilePtr file(std::fopen(path.c_str(), "wb"));
-  if (!file) {
-    LogXMessage(3, s_NoFile565, path.c_str());
-    return;
-  }
+  const FilePtr file = CreateFile(path);
+  if (!file) return LogXMessage(3, s_NoFile565, path.c_str());
   std::fwrite(bytes.data(), 1, static_cast<std::size_t>(size), file.get());
 }
 
 void WritePicture(const std::string& format, const std::string& path, const std::string& bytes,
                   long width, long height, long size) {
-  for (const RawFormat& raw : s_RawFormats) {
-    if (format == raw.name) return WriteRaw(raw, path, bytes, width, height);
-  }
+  if (format == "RGB565") return Write565ToJPEGFile(path, bytes, width, height);
+  if (format == "RGB888") return Write888ToJPEGFile(path, bytes, width, height);
   if (format == "JPEG") return WriteStream(path, bytes, size);
   LogXMessage(3, "ipod::OnNtfCoverArt: invalid format %s", format.c_str());
 }

@@ -2,13 +2,18 @@
 
 #include <jpeglib.h>
 
+#include <sys/stat.h>
+
 #include <csetjmp>
 #include <type_traits>
 #include <vector>
 
 namespace {
 
-static_assert(s_MaxJPEGSide == JPEG_MAX_DIMENSION);
+// A controller has libjpeg's 6.2 interface; other versions lay out the structures in another way.
+constexpr int s_Interface = 62;
+static_assert(JPEG_LIB_VERSION == s_Interface);
+static_assert(JPEG_MAX_DIMENSION == s_MaxJPEGSide);
 
 // All that the steps touch. libjpeg leaves a step by longjmp, past any destructor: plain data only.
 struct Compression {
@@ -35,7 +40,7 @@ void Create(Compression& c) {
   c.compressor.client_data = &c;
   c.errors.error_exit = &OnError;
   c.errors.output_message = &OnOutput;
-  jpeg_create_compress(&c.compressor);
+  jpeg_CreateCompress(&c.compressor, s_Interface, sizeof c.compressor);
 }
 
 void Start(Compression& c) {
@@ -72,7 +77,13 @@ struct Destroyer {
 
 }  // namespace
 
-bool WriteJPEGFile(const std::string& path, const RawPicture& picture, std::string& fault) {
+FilePtr CreateFile(const std::string& path) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) == 0 && S_ISFIFO(status.st_mode)) return nullptr;
+  return FilePtr(std::fopen(path.c_str(), "wb"));
+}
+
+JPEGResult WriteJPEGFile(const std::string& path, const RawPicture& picture) {
   std::vector<unsigned char> row;
   Compression compression{};
   compression.picture = picture;
@@ -81,8 +92,8 @@ bool WriteJPEGFile(const std::string& path, const RawPicture& picture, std::stri
 
   FilePtr file;
   if (done) {
-    file.reset(std::fopen(path.c_str(), "wb"));
-    if (!file) return false;
+    file = CreateFile(path);
+    if (!file) return {JPEGResult::NotOpened, {}};
     compression.file = file.get();
     done = Attempt(compression, &Start);
   }
@@ -91,6 +102,6 @@ bool WriteJPEGFile(const std::string& path, const RawPicture& picture, std::stri
     compression.row = row.data();
     done = Attempt(compression, &WriteRows);
   }
-  if (!done) fault = compression.message;
-  return true;
+  if (!done) return {JPEGResult::Failed, compression.message};
+  return {JPEGResult::Written, {}};
 }

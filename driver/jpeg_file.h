@@ -11,6 +11,10 @@ struct FileCloser {
 };
 using FilePtr = std::unique_ptr<std::FILE, FileCloser>;
 
+// Creates or empties the file. Null when that fails, and for a named pipe: opening one waits for a
+// reader, and writing to one whose reader is gone raises a signal that ends the process.
+FilePtr CreateFile(const std::string& path);
+
 // libjpeg's JPEG_MAX_DIMENSION.
 constexpr long s_MaxJPEGSide = 65500;
 
@@ -22,7 +26,11 @@ struct RawPicture {
   unsigned height;
 };
 
-// Compresses the picture to a baseline JPEG of quality 75 at `path`, which is overwritten. Returns
-// false when the file cannot be opened; then nothing is written. Where libjpeg fails, `fault` gets
-// its message and the file is left as far as it came.
-bool WriteJPEGFile(const std::string& path, const RawPicture& picture, std::string& fault);
+struct JPEGResult {
+  enum Outcome { Written, NotOpened, Failed } outcome;
+  std::string fault;  // what libjpeg says where it failed
+};
+
+// Compresses the picture to a baseline JPEG of quality 75 at `path`, which is overwritten. Nothing
+// is written when the file cannot be opened; where libjpeg fails, the file holds what came before.
+JPEGResult WriteJPEGFile(const std::string& path, const RawPicture& picture);
