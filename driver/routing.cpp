@@ -71,8 +71,14 @@ void media::RegisterVariables() {
   VmAdd(s_OnlineStatusVariable, "ONLINE_STATUS", TqTypes::VariableType::Text, "0", 0, 0, "");
 }
 
+// The second goes even where the host throws at the first.
 void media::UnregisterVariables() {
-  VmRemove(s_PlayStatusVariable);
+  try {
+    VmRemove(s_PlayStatusVariable);
+  } catch (...) {
+    VmRemove(s_OnlineStatusVariable);
+    throw;
+  }
   VmRemove(s_OnlineStatusVariable);
 }
 
