@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -90,13 +92,18 @@ TEST(CoverArt, WritesStreamsAsTheyCome) {
   }
 }
 
-TEST(CoverArt, ReadsNothingBeyondTheBytes) {
-  std::istringstream numbers(
-      "0 1 7 8 9 65500 65501 2147483647 2147483648 4294967298 9223372036854775807 "
+TEST(CoverArt, RefusesWhatIsNoPicture) {
+  std::istringstream numbers(  // 33025 x 65026 x 2 and 32768 x 32768 x 4 are 4 and 0 in 32 bits
+      "0 1 7 8 9 32768 33025 65026 65500 65501 2147483647 2147483648 4294967298 9223372036854775807 "
       "9223372036854775808 -1 -9223372036854775809 none");
   const std::vector<std::string> sides(std::istream_iterator<std::string>(numbers), {});
   Bench bench;
   bench(Cover("JPEG", "was", "", "", "3"));
+  for (const std::string format : {"RGB565 ", "RGB888 ", "rgb565", "JPEG\n", "%s%n", ""}) {
+    EXPECT_EQ(bench(Cover(format, "12345678", "1", "1", "1")),
+              (std::vector{"log 3 ipod::OnNtfCoverArt: invalid format " + format, Announced("1", "1")}));
+    EXPECT_EQ(bench.Picture(), "was");
+  }
   for (const std::string format : {"RGB565", "RGB888"}) {
     for (const auto& width : sides) {
       for (const auto& height : sides) {
@@ -129,6 +136,7 @@ TEST(CoverArt, SurvivesEveryFileThatCannotBeWritten) {
       {"no directory", [](const auto& file) { fs::remove_all(file.parent_path()); }, false},
       {"a directory in its place", [](const auto& file) { fs::create_directory(file); }, false},
       {"a link to nowhere", [](const auto& file) { fs::create_symlink("/nowhere/x", file); }, false},
+      {"a pipe", [](const auto& file) { EXPECT_EQ(mkfifo(file.c_str(), 0666), 0); }, false},
       {"a full disk", [](const auto& file) { fs::create_symlink("/dev/full", file); }, true},
   };
   for (const auto& [what, prepare, opens] : cases) {

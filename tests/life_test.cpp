@@ -5,6 +5,7 @@
 #include <climits>
 #include <filesystem>
 #include <fstream>
+#include <stdexcept>
 
 namespace fs = std::filesystem;
 
@@ -18,8 +19,8 @@ TEST(Life, RegistersEachNameOnceAndInOrder) {
 }
 
 TEST(Life, ReadsEachParameterInOrderByItsAccessor) {
-  Bench bench;
   for (const auto& notification : ReadNotifications()) {
+    Bench bench;
     Lines reads;
     standin::RecordReads(&reads);
     bench(Ntf(notification.name));
@@ -28,8 +29,13 @@ TEST(Life, ReadsEachParameterInOrderByItsAccessor) {
   }
 }
 
-TEST(Life, VariablesComeWithInitializeAndGoFirst) {
-  Recorder recorder;
+TEST(Life, VariablesComeWithInitializeAndGoEachOnItsOwn) {
+  struct : Recorder {
+    void OnVariable(Change change, unsigned long id, const std::string& name, const std::string& value) override {
+      Recorder::OnVariable(change, id, name, value);
+      if (change == Change::Removed) throw std::runtime_error(name);
+    }
+  } recorder;
   standin::Host host(ThePlugin(), recorder, "/proc/");
   host.Persist();
   EXPECT_EQ(recorder.Take(), Lines{"state <State/>"});
