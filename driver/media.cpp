@@ -31,13 +31,14 @@ media::media(IInstanceManager& im)
     : TqBaseProxyDriver(im, s_ProxyBindingId, DriverMultiplicity::One) {
   m_MediaInfo.Clear();
   m_ListNode = TqXML::CreateXmlNode();
+  // Virtual, but never a derived class's while this class is being built: the names say so.
   media::RegisterNotifications();
   media::RegisterCommands();
   RegisterRequests();
   media::RegisterConditionals();
 }
 
-// What the host throws here has nowhere to go: it would end the process.
+// An exception that leaves a destructor ends the process: what the host throws is dropped.
 media::~media() {
   try {
     media::UnregisterVariables();
@@ -54,8 +55,8 @@ bool IsMissing(const fs::path& path) {
   return type == fs::status_error || type == fs::file_not_found;
 }
 
-// Each missing parent is made by a call of its own: where create_directories makes one on the way,
-// running out of memory ends the process.
+// One call for each missing level: create_directories ends the process when memory runs out while
+// it makes a missing parent.
 void CreateDirectories(const std::string& directory) {
   for (std::size_t end = 0; end != std::string::npos;) {
     end = directory.find('/', end + 1);

@@ -84,8 +84,8 @@ class media : public TqBaseProxyDriver {
     const std::string& value;
   };
 
-  // A parameter of a notification, the field that keeps its text and its name in the document.
-  struct KeptValue {
+  // A parameter of a notification, the field that stores its text, and its name in the document.
+  struct StoredValue {
     const char* parameter;
     std::string& field;
     const char* name;
@@ -123,15 +123,15 @@ class media : public TqBaseProxyDriver {
 
   void CurrentSettingsToUI();
 
-  // The bodies of handlers that differ in names alone. Reading comes before storing, so that a
-  // failure leaves the fields as they were.
-  void KeepTwo(const IBindMessage& msg, const char* document, const KeptValue& first,
-               const KeptValue& second);
-  void KeepMode(const IBindMessage& msg, const char* document, const char* name,
-                std::string& field);
-  void KeepModesList(const IBindMessage& msg, const char* document, const std::string& name,
-                     FlexMode& list);
-  void TakeModesList(const std::string& name, FlexMode& list, const char* fallback);
+  // The bodies of handlers that differ only in names. They read all parameters before they store
+  // one, so that a failure leaves the fields as they were.
+  void StoreAndSendTwo(const IBindMessage& msg, const char* document, const StoredValue& first,
+                       const StoredValue& second);
+  void StoreAndSendMode(const IBindMessage& msg, const char* document, const char* name,
+                        std::string& field);
+  void StoreAndSendModesList(const IBindMessage& msg, const char* document, const std::string& name,
+                             FlexMode& list);
+  void SetFromCapability(const std::string& name, FlexMode& list, const char* fallback);
   void NewDocument(const char* name, std::initializer_list<NamedValue> values);
   void AddItem(const IBindMessage& msg);
 

@@ -10,7 +10,8 @@
 #define COPY_PER_PROCESSOR
 #endif
 
-// Clang links such copies only to callers in the same source.
+// Clang can call a function with such copies only from the source that defines it, so the two below
+// are called by the ones in the header.
 namespace {
 
 COPY_PER_PROCESSOR

@@ -1,20 +1,10 @@
 #include "driver/media.h"
+#include "host/ToString.h"
 #include "host/TqXML.h"
 
 #include <algorithm>
 #include <iterator>
 #include <utility>
-
-void media::AddValues(TqXML::INode& node, std::initializer_list<NamedValue> values) {
-  for (const NamedValue& value : values) node.AddNamedValue(value.name, value.value);
-}
-
-void media::SendToUI(const char* document, std::initializer_list<NamedValue> values) {
-  if (const auto node = TqXML::CreateXmlNode(document, "")) {
-    AddValues(*node, values);
-    ConSendDataToUI(*node);
-  }
-}
 
 void media::OnNtfPlayStatusChanged(const IBindMessage& msg) {
   static constexpr const char* events[] = {"Playing", "Stopped", "Paused"};
@@ -46,22 +36,22 @@ tq::auto_com<TqXML::INode> media::OnGetOnlineStatus(const ICmdMessage&) {
   return TqXML::CreateXmlNode("online", m_OnlineStatus);
 }
 
-void media::KeepModesList(const IBindMessage& msg, const char* document, const std::string& name,
-                          FlexMode& list) {
+void media::StoreAndSendModesList(const IBindMessage& msg, const char* document,
+                                  const std::string& name, FlexMode& list) {
   list.SetModesList(msg.GetParamValue(name));
   SendToUI(document, {{name, list.GetModesList()}});
 }
 
 void media::OnNtfSetShuffleModes(const IBindMessage& msg) {
-  KeepModesList(msg, "SHUFFLE_MODES_CHANGED", s_ShuffleModesCapStr, m_ShuffleModes);
+  StoreAndSendModesList(msg, "SHUFFLE_MODES_CHANGED", s_ShuffleModesCapStr, m_ShuffleModes);
 }
 
 void media::OnNtfSetRepeatModes(const IBindMessage& msg) {
-  KeepModesList(msg, "REPEAT_MODES_CHANGED", s_RepeatModesCapStr, m_RepeatModes);
+  StoreAndSendModesList(msg, "REPEAT_MODES_CHANGED", s_RepeatModesCapStr, m_RepeatModes);
 }
 
 void media::OnNtfSetMediaLabels(const IBindMessage& msg) {
-  KeepModesList(msg, "MEDIA_LABELS_CHANGED", s_MediaLabelsCapStr, m_MediaLabels);
+  StoreAndSendModesList(msg, "MEDIA_LABELS_CHANGED", s_MediaLabelsCapStr, m_MediaLabels);
 }
 
 tq::auto_com<TqXML::INode> media::OnGetShuffleModes(const ICmdMessage&) {
@@ -72,22 +62,22 @@ tq::auto_com<TqXML::INode> media::OnGetRepeatModes(const ICmdMessage&) {
   return TqXML::CreateXmlNode(s_RepeatModesCapStr, m_RepeatModes.GetModesList());
 }
 
-void media::KeepMode(const IBindMessage& msg, const char* document, const char* name,
-                     std::string& field) {
+void media::StoreAndSendMode(const IBindMessage& msg, const char* document, const char* name,
+                             std::string& field) {
   field = msg.GetParamValue(name);
   SendToUI(document, {{name, field}});
 }
 
 void media::OnNtfShuffleChanged(const IBindMessage& msg) {
-  KeepMode(msg, "SHUFFLE_CHANGED", "shuffle_mode", m_ShuffleMode);
+  StoreAndSendMode(msg, "SHUFFLE_CHANGED", "shuffle_mode", m_ShuffleMode);
 }
 
 void media::OnNtfRepeatChanged(const IBindMessage& msg) {
-  KeepMode(msg, "REPEAT_CHANGED", "repeat_mode", m_RepeatMode);
+  StoreAndSendMode(msg, "REPEAT_CHANGED", "repeat_mode", m_RepeatMode);
 }
 
-void media::KeepTwo(const IBindMessage& msg, const char* document, const KeptValue& first,
-                    const KeptValue& second) {
+void media::StoreAndSendTwo(const IBindMessage& msg, const char* document, const StoredValue& first,
+                            const StoredValue& second) {
   std::string firstText = msg.GetParamText(first.parameter);
   std::string secondText = msg.GetParamText(second.parameter);
   first.field = std::move(firstText);
@@ -96,11 +86,37 @@ void media::KeepTwo(const IBindMessage& msg, const char* document, const KeptVal
 }
 
 void media::OnNtfPlayTimeChanged(const IBindMessage& msg) {
-  KeepTwo(msg, "PLAY_TIME_CHANGED", {"elapsed", m_Elapsed, "elapsed"},
-          {"remaining", m_Remaining, "remaining"});
+  StoreAndSendTwo(msg, "PLAY_TIME_CHANGED", {"elapsed", m_Elapsed, "elapsed"},
+                  {"remaining", m_Remaining, "remaining"});
 }
 
 void media::OnNtfQueueProgressChanged(const IBindMessage& msg) {
-  KeepTwo(msg, "QUEUE_PROGRESS_CHANGED", {"current", m_CurrentSong, "current_song"},
-          {"total", m_TotalSongs, "total_songs"});
+  StoreAndSendTwo(msg, "QUEUE_PROGRESS_CHANGED", {"current", m_CurrentSong, "current_song"},
+                  {"total", m_TotalSongs, "total_songs"});
+}
+
+void media::OnNtfUpdateMediaInfo(const IBindMessage& msg) {
+  const auto command = CreateCommandMessageFromName("UPDATE_MEDIA_INFO");
+  const auto node = TqXML::CreateXmlNode("mediainfo", "");
+  if (!node) return;
+  node->AddNamedValue("mediatype", "MEDIASONG");
+  node->AddNamedValue("deviceid", tq::ToString(GetDeviceId()).c_str());
+
+  MediaInfo info;
+  info.m_Line1 = msg.GetParamText("media_info_1");
+  info.m_Line2 = msg.GetParamText("media_info_2");
+  info.m_Line3 = msg.GetParamText("media_info_3");
+  info.m_Valid = true;
+  m_MediaInfo = std::move(info);
+
+  m_MediaInfo.AddToINode(node.get(), false);
+  if (!command) return;
+  command->AddParamText("MEDIA_INFO", "STRING", node->GetXmlString());
+  SendCommandToRooms(*command);
+}
+
+void media::OnNtfMediaInfoChanged(const IBindMessage& msg) {
+  SendToUI("MEDIA_INFO_CHANGED", {{"media_info_1", msg.GetParamText("media_info_1")},
+                                  {"media_info_2", msg.GetParamText("media_info_2")},
+                                  {"media_info_3", msg.GetParamText("media_info_3")}});
 }

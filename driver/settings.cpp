@@ -61,12 +61,12 @@ void media::OnBindingChanged(unsigned long bindingId, const std::string& classNa
   for (const Capability& capability : s_Capabilities) {
     ExtractCapability(capability.name, this->*capability.flag);
   }
-  if (m_HasShuffle) TakeModesList(s_ShuffleModesCapStr, m_ShuffleModes, "On,Off");
-  if (m_HasRepeat) TakeModesList(s_RepeatModesCapStr, m_RepeatModes, "On,Off");
-  TakeModesList(s_MediaLabelsCapStr, m_MediaLabels, "Album,Artist,Title");
+  if (m_HasShuffle) SetFromCapability(s_ShuffleModesCapStr, m_ShuffleModes, "On,Off");
+  if (m_HasRepeat) SetFromCapability(s_RepeatModesCapStr, m_RepeatModes, "On,Off");
+  SetFromCapability(s_MediaLabelsCapStr, m_MediaLabels, "Album,Artist,Title");
 }
 
-void media::TakeModesList(const std::string& name, FlexMode& list, const char* fallback) {
+void media::SetFromCapability(const std::string& name, FlexMode& list, const char* fallback) {
   std::string text;
   list.SetModesList(ExtractCapability(name, text) ? text : fallback);
 }

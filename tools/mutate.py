@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """tools/mutate.py [NUMBER] [SEED]: breaks the plug-in in NUMBER small ways, one at a time, and tells which of them the
-tests do not notice. Each has only media.so built anew. Exit status 0 when every mutant is killed."""
+tests do not notice. Exit status 0 when every mutant is killed."""
 import concurrent.futures
 import os
 import pathlib
@@ -86,7 +86,7 @@ class Worker:
         whole = path.read_text()
         path.write_text("".join(text))
         try:
-            built = subprocess.run(["cmake", "--build", self.build, "-j1", "--target", "media"], stdout=subprocess.DEVNULL,
+            built = subprocess.run(["cmake", "--build", self.build, "-j1", "--target", "mediaproxy_tests"], stdout=subprocess.DEVNULL,
                                    stderr=subprocess.DEVNULL)
             outcome = "unbuildable" if built.returncode else "killed" if self.failing() else "SURVIVED"
         finally:
