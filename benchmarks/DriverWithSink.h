@@ -1,6 +1,7 @@
 #pragma once
 
 #include "standin/Host.h"
+#include "standin/Messages.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,6 +1,7 @@
 #include "driverhost/Replay.h"
 
 #include "driverhost/Interrupt.h"
+#include "standin/Ledger.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -7,6 +7,7 @@
 #include "driverhost/Summary.h"
 #include "driverhost/Traffic.h"
 #include "standin/Host.h"
+#include "standin/Plugin.h"
 
 #include <memory>
 #include <optional>

@@ -6,7 +6,7 @@
 #include "driverhost/Number.h"
 #include "driverhost/StepTitle.h"
 #include "host/Base64Encoder.h"
-#include "standin/Host.h"
+#include "standin/Messages.h"
 
 #include <nlohmann/json.hpp>
 

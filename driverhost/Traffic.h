@@ -1,6 +1,6 @@
 #pragma once
 
-#include "standin/Host.h"
+#include "standin/Observer.h"
 
 #include <cstddef>
 #include <string>

@@ -9,7 +9,7 @@
 #include "driverhost/Summary.h"
 #include "driverhost/TextTraffic.h"
 #include "driverhost/Traffic.h"
-#include "standin/Host.h"
+#include "standin/Plugin.h"
 
 #include <CLI/CLI.hpp>
 

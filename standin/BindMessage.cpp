@@ -1,6 +1,9 @@
 #include "standin/BindMessage.h"
 
 #include "standin/CmdMessage.h"
+#include "standin/Messages.h"
+#include "standin/OwnOf.h"
+#include "standin/Services.h"
 #include "standin/XmlReader.h"
 #include "standin/XmlText.h"
 
@@ -8,21 +11,20 @@
 
 namespace standin {
 
-namespace {
-
-std::vector<std::string>* s_Reads = nullptr;
-
-}  // namespace
-
-BindMessage::BindMessage(std::string name, std::string command, Params params, std::string xml)
+BindMessage::BindMessage(std::string name, std::string command, Params params,
+                         std::optional<std::string> xml)
     : Counted(&Ledger::bindMessages),
       m_Name(std::move(name)),
       m_Command(std::move(command)),
       m_Params(std::move(params)),
       m_Xml(std::move(xml)) {}
 
+const BindMessage& BindMessage::Of(const IBindMessage& message) {
+  return OwnOf<const BindMessage>(message, "a notification or bound call");
+}
+
 std::string BindMessage::GetXml() const {
-  if (!m_Xml.empty()) return m_Xml;
+  if (m_Xml) return *m_Xml;
   std::string xml = "<";
   AppendName(xml, m_Name);
   if (m_Params.empty()) return xml += "/>";
@@ -33,22 +35,24 @@ std::string BindMessage::GetXml() const {
   return xml += '>';
 }
 
-std::string BindMessage::GetParamText(const std::string& name) const { return Read("text", name); }
-
-std::string BindMessage::GetParamValue(const std::string& name) const {
-  return Read("value", name);
+std::string BindMessage::GetParamText(const std::string& name) const {
+  return Read(Observer::Accessor::Text, name);
 }
 
-std::string BindMessage::Read(const char* accessor, const std::string& name) const {
-  if (s_Reads) s_Reads->push_back(std::string(accessor) + ' ' + name);
+std::string BindMessage::GetParamValue(const std::string& name) const {
+  return Read(Observer::Accessor::Value, name);
+}
+
+std::string BindMessage::Read(Observer::Accessor accessor, const std::string& name) const {
   const Param* param = FindParam(m_Params, name);
+  if (Services* services = Services::Current()) {
+    services->observer.OnRead(m_Name, name, accessor, param ? &param->value : nullptr);
+  }
   return param ? param->value : std::string();
 }
 
-void RecordReads(std::vector<std::string>* reads) { s_Reads = reads; }
-
 tq::auto_com<IBindMessage> MakeNotification(const std::string& name, Params params) {
-  return tq::auto_com<IBindMessage>(new BindMessage(name, "", std::move(params), ""));
+  return tq::auto_com<IBindMessage>(new BindMessage(name, "", std::move(params), std::nullopt));
 }
 
 tq::auto_com<IBindMessage> MakeNotificationFromXml(const std::string& name, std::string xml) {
@@ -61,8 +65,6 @@ tq::auto_com<IBindMessage> MakeNotificationFromXml(const std::string& name, std:
       params.push_back({read->elements[i].name, read->elements[i].text, ""});
     }
   }
-  // An empty text would stand for a message that is made from its parameters.
-  if (xml.empty()) xml += ' ';
   return tq::auto_com<IBindMessage>(
       new BindMessage(name, std::move(command), std::move(params), std::move(xml)));
 }

@@ -1,8 +1,11 @@
 #include "standin/CmdMessage.h"
 
 #include "host/ToString.h"
+#include "standin/Messages.h"
+#include "standin/OwnOf.h"
 #include "standin/Services.h"
 #include "standin/XmlReader.h"
+#include "standin/XmlText.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -12,6 +15,10 @@ namespace standin {
 
 CmdMessage::CmdMessage(std::string name, Params params)
     : Counted(&Ledger::commandMessages), m_Name(std::move(name)), m_Params(std::move(params)) {}
+
+const CmdMessage& CmdMessage::Of(const ICmdMessage& message) {
+  return OwnOf<const CmdMessage>(message, "a command or request");
+}
 
 tq::auto_com<ICmdMessage> CmdMessage::Clone() const {
   if (Services::Fails(Factory::Clone)) return {};
@@ -45,6 +52,21 @@ const Param* FindParam(const Params& params, const std::string& name) {
   const auto param = std::find_if(params.begin(), params.end(),
                                   [&name](const Param& other) { return other.name == name; });
   return param == params.end() ? nullptr : &*param;
+}
+
+std::string WriteCommand(const CmdMessage& command) {
+  std::string xml = "<command";
+  AppendAttribute(xml, "name", command.Name());
+  xml += '>';
+  for (const Param& param : command.Parameters()) {
+    xml += "<param";
+    AppendAttribute(xml, "name", param.name);
+    AppendAttribute(xml, "type", param.type);
+    xml += '>';
+    AppendText(xml, param.value);
+    xml += "</param>";
+  }
+  return xml += "</command>";
 }
 
 tq::auto_com<ICmdMessage> ReadCommand(const std::string& xml) {

@@ -2,6 +2,7 @@
 
 #include "host/ICmdMessage.h"
 #include "standin/Counted.h"
+#include "standin/Params.h"
 
 #include <string>
 
@@ -10,6 +11,8 @@ namespace standin {
 class CmdMessage final : public Counted<CmdMessage, ICmdMessage> {
  public:
   CmdMessage(std::string name, Params params);
+
+  static const CmdMessage& Of(const ICmdMessage& message);  // as in OwnOf.h
 
   const std::string& Name() const { return m_Name; }
   const Params& Parameters() const { return m_Params; }
@@ -33,8 +36,9 @@ class CmdMessage final : public Counted<CmdMessage, ICmdMessage> {
 // The first parameter of that name, or null.
 const Param* FindParam(const Params& params, const std::string& name);
 
-// The command that such a text stands for: <command name="RESET"><param name="ROOM_ID"
-// type="INTEGER">5</param></command>. Empty when the text does not parse or is none.
+// A command as XML text: <command name="RESET"><param name="ROOM_ID" type="INTEGER">5</param>
+// </command>, on one line. What is read is empty when the text does not parse or is no command.
+std::string WriteCommand(const CmdMessage& command);
 tq::auto_com<ICmdMessage> ReadCommand(const std::string& xml);
 
 }  // namespace standin

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "standin/Host.h"
+#include "standin/Ledger.h"
 
 #include <cstddef>
 

@@ -1,7 +1,6 @@
 #include "standin/Host.h"
 
 #include "standin/CmdMessage.h"
-#include "standin/Counted.h"
 #include "standin/Services.h"
 #include "standin/Tree.h"
 
@@ -9,12 +8,6 @@
 #include <utility>
 
 namespace standin {
-
-Ledger s_Ledger{};
-
-Ledger GetLedger() { return s_Ledger; }
-
-Observer::~Observer() = default;
 
 Host::Host(const Plugin& plugin, Observer& observer, std::optional<std::string> imageRoot)
     : m_Services(std::make_unique<Services>(observer, std::move(imageRoot))) {
@@ -47,8 +40,7 @@ void Host::Request(const ICmdMessage& request) {
   const Services::Scope scope(*m_Services);
   const auto answer = m_Driver->UIRequest(request);
   const std::string xml = answer ? answer->GetXmlString() : std::string();
-  m_Services->observer.OnAnswer(static_cast<const CmdMessage&>(request).Name(),
-                                answer ? &xml : nullptr);
+  m_Services->observer.OnAnswer(CmdMessage::Of(request).Name(), answer ? &xml : nullptr);
 }
 
 void Host::Bind(unsigned long bindingId, const std::string& className,

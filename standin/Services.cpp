@@ -1,5 +1,7 @@
 #include "standin/Services.h"
 
+#include "standin/OwnOf.h"
+
 #include <cstring>
 #include <utility>
 
@@ -18,7 +20,7 @@ Services::Scope::~Scope() { s_Current = m_Previous; }
 Services::Services(Observer& sink, std::optional<std::string> root)
     : observer(sink), m_ImageRoot(std::move(root)) {}
 
-Services& Services::Of(IInstanceManager& im) { return static_cast<Services&>(im); }
+Services& Services::Of(IInstanceManager& im) { return OwnOf<Services>(im, "an instance manager"); }
 
 Services* Services::Current() { return s_Current; }
 

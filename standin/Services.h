@@ -3,7 +3,8 @@
 #include "host/IHostPaths.h"
 #include "host/IInstanceManager.h"
 #include "host/IRoomOutputs.h"
-#include "standin/Host.h"
+#include "standin/Factory.h"
+#include "standin/Observer.h"
 
 #include <bitset>
 #include <map>
@@ -35,7 +36,7 @@ class Services final : public IInstanceManager, public IHostPaths, public IRoomO
 
   Services(Observer& sink, std::optional<std::string> root);
 
-  static Services& Of(IInstanceManager& im);
+  static Services& Of(IInstanceManager& im);  // as in OwnOf.h
 
   // Those of the host that is calling into its driver; null outside such a call.
   static Services* Current();

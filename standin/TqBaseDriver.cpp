@@ -3,6 +3,7 @@
 #include "host/TqXML.h"
 #include "standin/BindMessage.h"
 #include "standin/CmdMessage.h"
+#include "standin/Messages.h"
 #include "standin/Services.h"
 #include "standin/Tree.h"
 #include "standin/XmlText.h"
@@ -36,12 +37,12 @@ long TqBaseDriver::Initialize(unsigned long id, TqXML::INode&, TqXML::INode*) {
 }
 
 tq::auto_com<TqXML::INode> TqBaseDriver::UIRequest(const ICmdMessage& request) {
-  const auto* handler = m_UICmdDispatcher.Find(static_cast<const CmdMessage&>(request).Name());
+  const auto* handler = m_UICmdDispatcher.Find(CmdMessage::Of(request).Name());
   return handler ? (*handler)(request) : tq::auto_com<TqXML::INode>();
 }
 
 void TqBaseDriver::ConSendDataToUI(const TqXML::INode& node) {
-  const standin::WholeText text(static_cast<const standin::Element&>(node));
+  const standin::WholeText text(standin::Element::Of(node));
   Services::Of(m_InstanceManager).observer.OnUi(text.Get());
 }
 
@@ -52,13 +53,13 @@ void TqBaseDriver::SendDataToUISimple(const std::string& name, const std::string
 }
 
 void TqBaseDriver::SendCommandToRooms(const ICmdMessage& command) {
-  const auto& sent = static_cast<const CmdMessage&>(command);
+  const auto& sent = CmdMessage::Of(command);
   Services::Of(m_InstanceManager).observer.OnRooms(sent.Name(), sent.Parameters());
 }
 
 void TqBaseDriver::SendBoundCall(unsigned long bindingId, const IBindMessage& msg,
                                  ICmdReturn* ret) const {
-  const auto& sent = static_cast<const BindMessage&>(msg);
+  const auto& sent = BindMessage::Of(msg);
   Services::Of(m_InstanceManager).observer.OnDevice(bindingId, sent.Name(), sent.Parameters(), ret);
 }
 
@@ -77,8 +78,9 @@ void TqBaseDriver::ChangeMyVariable(unsigned long variableId, const std::string&
 
 IBindMessage* TqBaseDriver::CreateBindMessage(const ICmdMessage& command) const {
   if (Services::Fails(Factory::BindMessage)) return nullptr;
-  const auto& source = static_cast<const CmdMessage&>(command);
-  return new BindMessage(source.Name(), source.Name(), source.Parameters(), "");
+  const auto& source = CmdMessage::Of(command);
+  return new BindMessage(source.Name(), source.Name(), source.Parameters(),
+                         standin::WriteCommand(source));
 }
 
 tq::auto_com<ICmdMessage> TqBaseDriver::CreateCommandMessageFromXml(const std::string& xml) const {

@@ -35,7 +35,7 @@ void TqBaseProxyDriver::OnBindingChanged(unsigned long bindingId, const std::str
 }
 
 void TqBaseProxyDriver::ExecuteCommand(const ICmdMessage& command, ICmdReturn* ret, unsigned long) {
-  const auto* handler = m_CmdDispatcher.Find(static_cast<const CmdMessage&>(command).Name());
+  const auto* handler = m_CmdDispatcher.Find(CmdMessage::Of(command).Name());
   if (handler) {
     (*handler)(command, ret);
   } else if (const tq::auto_com<IBindMessage> bound{CreateBindMessage(command)}) {
@@ -64,7 +64,7 @@ void TqBaseProxyDriver::VmRemove(unsigned long id) {
 }
 
 void TqBaseProxyDriver::HandleNotification(const IBindMessage& msg) {
-  if (const auto* handler = m_NtfDispatcher.Find(static_cast<const BindMessage&>(msg).Name())) {
+  if (const auto* handler = m_NtfDispatcher.Find(BindMessage::Of(msg).Name())) {
     (*handler)(msg);
   }
 }

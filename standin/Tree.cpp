@@ -1,6 +1,7 @@
 #include "standin/Tree.h"
 
 #include "host/XmlHelper.h"
+#include "standin/OwnOf.h"
 #include "standin/Services.h"
 #include "standin/XmlReader.h"
 #include "standin/XmlText.h"
@@ -16,6 +17,12 @@ namespace {
 constexpr std::size_t s_UsualSize = 255;
 
 }  // namespace
+
+Element& Element::Of(TqXML::INode& node) { return OwnOf<Element>(node, "an element"); }
+
+const Element& Element::Of(const TqXML::INode& node) {
+  return OwnOf<const Element>(node, "an element");
+}
 
 unsigned long Element::AddRef() { return m_Tree.AddRef(); }
 
@@ -214,5 +221,5 @@ tq::auto_com<TqXML::IDocument> TqXML::CreateXmlDocument(const std::string& xml) 
 }
 
 TqXML::INode* XmlHelper::AddChild(TqXML::INode& parent, const char* name, const char* value) {
-  return &static_cast<standin::Element&>(parent).AddChild(name, value);
+  return &standin::Element::Of(parent).AddChild(name, value);
 }

@@ -19,6 +19,9 @@ class Element final : public TqXML::INode {
  public:
   Element(Tree& tree, Element* parent) : m_Tree(tree), m_Parent(parent) {}
 
+  static Element& Of(TqXML::INode& node);              // as in OwnOf.h
+  static const Element& Of(const TqXML::INode& node);  // as in OwnOf.h
+
   unsigned long AddRef() override;
   void AddNamedValue(const std::string& name, const char* value) override;
   void AddNamedValue(const std::string& name, const std::string& value) override;

@@ -126,6 +126,19 @@ void AppendText(std::string& xml, std::string_view text) {
   }
 }
 
+// A parser makes blanks of the tabs and line breaks of an attribute, unless they are references.
+void AppendAttribute(std::string& xml, std::string_view name, std::string_view text) {
+  xml.append(" ").append(name).append("=\"");
+  for (;;) {
+    const std::size_t plain = std::min(text.find_first_of("\"\t\n"), text.size());
+    AppendText(xml, text.substr(0, plain));
+    if (plain == text.size()) break;
+    xml += text[plain] == '"' ? "&#34;" : text[plain] == '\t' ? "&#9;" : "&#10;";
+    text.remove_prefix(plain + 1);
+  }
+  xml += '"';
+}
+
 void AppendName(std::string& xml, std::string_view name) {
   if (IsName(name)) {
     xml += name;

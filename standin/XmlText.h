@@ -11,6 +11,9 @@ namespace standin {
 // sequence, as in section 3.9 of the Unicode standard).
 void AppendText(std::string& xml, std::string_view text);
 
+// ` name="text"`, where `name` is a valid one.
+void AppendAttribute(std::string& xml, std::string_view name, std::string_view text);
+
 // Element names are kept to the ASCII characters that XML allows in them; the others become '_'.
 void AppendName(std::string& xml, std::string_view name);
 

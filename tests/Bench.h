@@ -1,6 +1,8 @@
 #pragma once
 
 #include "standin/Host.h"
+#include "standin/Ledger.h"
+#include "standin/Messages.h"
 
 #include <functional>
 #include <optional>

@@ -19,14 +19,22 @@ TEST(Life, RegistersEachNameOnceAndInOrder) {
 }
 
 TEST(Life, ReadsEachParameterInOrderByItsAccessor) {
-  for (const auto& notification : ReadNotifications()) {
-    Bench bench;
+  struct : Recorder {
     Lines reads;
-    standin::RecordReads(&reads);
-    bench(Ntf(notification.name));
-    standin::RecordReads(nullptr);
-    EXPECT_EQ(reads, notification.reads) << notification.name;
+    void OnRead(const std::string&, const std::string& name, Accessor accessor, const std::string* value) override {
+      reads.push_back((accessor == Accessor::Text ? "text " : "value ") + name + (value ? '=' + *value : ""));
+    }
+  } recorder;
+  for (const auto& notification : ReadNotifications()) {
+    standin::Host host(ThePlugin(), recorder, "/proc/");
+    recorder.reads.clear();
+    Ntf(notification.name)(host);
+    EXPECT_EQ(recorder.reads, notification.reads) << notification.name;
   }
+  standin::Host host(ThePlugin(), recorder, "/proc/");
+  recorder.reads.clear();
+  Ntf("PLAY_TIME_CHANGED", {{"remaining", "2"}})(host);
+  EXPECT_EQ(recorder.reads, (Lines{"text elapsed", "text remaining=2"}));
 }
 
 TEST(Life, VariablesComeWithInitializeAndGoEachOnItsOwn) {

@@ -97,3 +97,24 @@ TEST(Message, WritesEveryNameAndTextAsXml) {
   EXPECT_EQ(twice->GetParamText("p"), "123");
   EXPECT_EQ(twice->GetParamValue("q"), "");
 }
+
+TEST(Message, OfABoundCallIsTheCommandThatItWasMadeFrom) {
+  const standin::Plugin plugin(PROBE_PLUGIN);
+  struct : Recorder {
+    void OnRooms(const std::string& command, const standin::Params& params) override {
+      lines.push_back(command);
+      for (const auto& param : params) lines.push_back(param.name + '|' + param.type + '|' + param.value);
+    }
+  } recorder;
+  standin::Host host(plugin, recorder, "/");
+  Cmd("ROUND \"TRIP\"\t\n<&>", {{"\"'\r\n\t ", " \"\r\n\t<", "I&\""}, {"\xFF\"", "", "INTEGER"}})(host);
+  EXPECT_EQ(recorder.Take(), (std::vector<std::string>{"ROUND \"TRIP\"\t\n<&>", "\"'\r\n\t |I&\"| \"\r\n\t<",
+                                                       "\xEF\xBF\xBD\"|INTEGER|"}));
+}
+
+TEST(Host, RefusesAnObjectOfSomebodyElsesMaking) {
+  const standin::Plugin plugin(PROBE_PLUGIN);
+  Recorder recorder;
+  standin::Host host(plugin, recorder, "/");
+  EXPECT_THROW(Cmd("FOREIGN")(host), std::logic_error);
+}

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "host/HostApi.h"
+
+#include <cstddef>
+
+namespace standin {
+
+// How many host objects are in somebody's hands, by kind, in the whole process.
+struct Ledger {
+  std::size_t nodes;
+  std::size_t documents;
+  std::size_t commandMessages;
+  std::size_t bindMessages;
+
+  std::size_t Total() const { return nodes + documents + commandMessages + bindMessages; }
+  bool Empty() const { return Total() == 0; }
+};
+HOST_API Ledger GetLedger();
+
+}  // namespace standin

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "host/HostApi.h"
+#include "host/IBindMessage.h"
+#include "host/ICmdMessage.h"
+#include "host/auto_com.h"
+#include "standin/Params.h"
+
+#include <string>
+
+namespace standin {
+
+// The messages to deliver; a host takes no others. One may be delivered any number of times. Each
+// has one reference, the caller's.
+
+// The types of the parameters are not used.
+HOST_API tq::auto_com<IBindMessage> MakeNotification(const std::string& name, Params params);
+
+// `xml` is the whole message: the children of its root are the parameters, and a root `command`
+// with an attribute `name` makes it a message that carries that command. Text that does not parse
+// makes a message without either.
+HOST_API tq::auto_com<IBindMessage> MakeNotificationFromXml(const std::string& name,
+                                                            std::string xml);
+
+// A command, or a user-interface request.
+HOST_API tq::auto_com<ICmdMessage> MakeCommand(const std::string& name, Params params);
+
+}  // namespace standin

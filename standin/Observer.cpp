@@ -1,0 +1,9 @@
+#include "standin/Observer.h"
+
+namespace standin {
+
+Observer::~Observer() = default;
+
+void Observer::OnRead(const std::string&, const std::string&, Accessor, const std::string*) {}
+
+}  // namespace standin
