@@ -6,6 +6,7 @@
 
 #include <sys/wait.h>
 
+#include <climits>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -23,11 +24,13 @@ struct Ended {
   std::string error;
 };
 
-// Runs a shell command with driverhost as $D, in a directory that holds `session` as "s".
+// Runs a shell command with driverhost as $D and its largest number as $MOST, in a directory that holds `session`
+// as "s".
 Ended Shell(const std::string& command, const std::string& session = "") {
   const std::string directory = MakeDirectory() + '/';
   std::ofstream(directory + 's', std::ios::binary) << session;
-  const std::string whole = "cd " + directory + " && export TMPDIR=. " PROGRAMS " && (" + command + ") >out 2>err";
+  const std::string whole = "cd " + directory + " && export TMPDIR=. " PROGRAMS " MOST=" + std::to_string(ULONG_MAX) +
+                            " && (" + command + ") >out 2>err";
   const int status = std::system(whole.c_str());
   Ended ended{WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadFile(directory + "out"), ReadFile(directory + "err")};
   fs::remove_all(directory);
