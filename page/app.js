@@ -1,0 +1,117 @@
+import { Browse } from './browse.js';
+import { Connection } from './connection.js';
+import { Cover } from './cover.js';
+import { childText, parse, valueText } from './document.js';
+import { Player } from './player.js';
+import { State } from './state.js';
+import { Traffic } from './traffic.js';
+
+const $ = selector => document.querySelector(selector);
+const TICK_MS = 250;
+const SEEK_SECONDS = 10;
+
+const state = new State();
+const cover = new Cover($('#cover'));
+const traffic = new Traffic();
+const player = new Player(state, send);
+const browse = new Browse(state, send);
+const connection = new Connection({ opened, record: receive, lost });
+const stale = new Set();
+let connected = null;
+
+function notice(text, isWarning = false) {
+  $('#notice').textContent = text.slice(0, 1000);
+  $('#notice').classList.toggle('warning', isWarning);
+}
+
+function showConnection(isConnected) {
+  connected = isConnected;
+  $('#connection').textContent = isConnected ? 'Connected' : 'The program is gone. Trying again…';
+  document.body.classList.toggle('lost', !isConnected);
+}
+
+function opened() {
+  if (connected === false) {
+    traffic.say('connected again; records may be missing');
+    cover.reload();
+  }
+  showConnection(true);
+  send('QUERY_CURRENT_SETTINGS');
+}
+
+function lost() {
+  if (connected !== false) traffic.say('the connection is lost');
+  showConnection(false);
+}
+
+async function send(command, params) {
+  try {
+    const records = await connection.send(command, params);
+    if (records.some(record => record.to === 'device')) notice(`${command} sent to the player`);
+  } catch (error) {
+    notice(`${command}: ${error.message}`, true);
+  }
+}
+
+// Views are drawn once a frame, however many records came meanwhile.
+function redraw(view) {
+  if (!stale.size) requestAnimationFrame(() => { for (const each of stale) each.render(); stale.clear(); });
+  stale.add(view);
+}
+
+function receive(record, line) {
+  traffic.add(record, line);
+  if (record.to === 'log') notice(valueText(record.text), true);
+  if (record.to !== 'ui' && record.to !== 'answer') return;
+  const root = parse(record.xml);
+  if (root) take(root);
+}
+
+function take(root) {
+  const wasOnline = state.values.online;
+  if (root.nodeName === 'NEW_COVER_ART') cover.announce(childText(root, 'image_path'));
+  else if (browse.take(root)) redraw(browse);
+  else if (state.apply(root, performance.now())) {
+    redraw(player);
+    if (root.nodeName === 'CURRENT_SETTINGS') redraw(browse);
+    // What a player can do comes with the report alone, and may be another when it is back.
+    if (root.nodeName === 'online_status' && state.can('online') && wasOnline !== 'True') send('QUERY_CURRENT_SETTINGS');
+  } else notice(`${root.nodeName} ${[...root.querySelectorAll('*')].filter(each => !each.children.length).map(each => each.textContent).join(' ')}`);
+}
+
+function showPanel(name) {
+  document.body.dataset.panel = name;
+  for (const button of document.querySelectorAll('nav button')) {
+    button.setAttribute('aria-pressed', button.dataset.panel === name);
+  }
+}
+
+const KEYS = {
+  ' ': () => player.toggle(),
+  ArrowLeft: () => player.seekBy(-SEEK_SECONDS),
+  ArrowRight: () => player.seekBy(SEEK_SECONDS),
+  ArrowDown: () => browse.focusFirst(),
+  '/': () => { if (!browse.focusSearch()) traffic.focusFilter(); else showPanel('browse'); },
+  Escape: () => { if (!traffic.closeRecord()) browse.back(); },
+};
+
+// Whether the key belongs to what has the focus.
+function isTaken(event) {
+  if (event.defaultPrevented || event.ctrlKey || event.metaKey || event.altKey) return true;
+  if (event.target.matches('input:not([type=range]), select')) return event.key !== 'Escape';
+  if (event.key === ' ') return event.target.matches('button, .full');
+  return event.key.startsWith('Arrow') && event.target.matches('input, .full');
+}
+
+document.addEventListener('keydown', event => {
+  const action = KEYS[event.key];
+  if (!action || isTaken(event)) return;
+  event.preventDefault();
+  if (event.key === 'Escape' && event.target.matches('input')) event.target.blur();
+  else action();
+});
+
+for (const button of document.querySelectorAll('nav button')) button.onclick = () => showPanel(button.dataset.panel);
+setInterval(() => { if (state.playing && !document.hidden) player.tick(); }, TICK_MS);
+player.render();
+browse.render();
