@@ -10,7 +10,8 @@
 
 namespace {
 
-// What keeps the bytes from being a picture of that size; empty when nothing does.
+// What keeps the bytes from being a picture of that size; empty when nothing does. Asked before the
+// file is opened, so that a refused picture leaves the one before (docs/choices.md).
 std::string BoundsFault(const std::string& bytes, long width, long height,
                         std::size_t bytesPerPixel) {
   const std::string size = std::to_string(width) + " x " + std::to_string(height) + " pixels";

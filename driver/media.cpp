@@ -83,6 +83,7 @@ long media::Initialize(unsigned long id, TqXML::INode& config, TqXML::INode* sta
   void* service = nullptr;
   m_InstanceManager.GetInstance("{311BE68F-E34E-4ED2-9D6F-39AC29384C02}", &service);
   if (!service) {
+    // The paths stay empty: every picture then fails with a log line (docs/choices.md).
     LogXMessage(3, "ipod::Initialize: %s", "the host has no path service");
     return result;
   }

@@ -9,7 +9,8 @@
 
 #include <string>
 
-// Delivers commands by name, with the return holder of the command's sender, which may be null.
+// Delivers commands by name. A handler borrows the command and the place for its answer, which may
+// be null.
 class HOST_API CmdDispatcher {
  public:
   using Handler = boost::function<void(const ICmdMessage&, ICmdReturn*)>;

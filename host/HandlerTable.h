@@ -4,11 +4,12 @@
 #include <utility>
 #include <vector>
 
-// The handlers of a dispatcher in the order of their registration. A driver registers a few dozen
-// names at most, for which a walk along the rows is as fast as any map.
+// The stand-in's dispatchers keep their handlers here. Names are compared byte for byte. A driver
+// registers a few dozen names at most: a walk along the rows is as fast as any map.
 template <class Handler>
 class HandlerTable {
  public:
+  // Adds a handler, or replaces the one of that name.
   void Set(const std::string& name, Handler handler) {
     for (auto& [known, current] : m_Rows) {
       if (known == name) {
@@ -19,6 +20,7 @@ class HandlerTable {
     m_Rows.emplace_back(name, std::move(handler));
   }
 
+  // Null when the name has no handler. Valid until the next Set.
   const Handler* Find(const std::string& name) const {
     for (const auto& [known, handler] : m_Rows) {
       if (known == name) return &handler;

@@ -1,5 +1,8 @@
 #pragma once
 
+// Comments in this folder say what holds in any host. Where the framework leaves the host a choice,
+// they say what the stand-in does, by that name: on a controller a driver may not rely on it.
+
 // Marks what the host's library supplies, so that a plug-in built with hidden visibility can use
 // it.
 #define HOST_API __attribute__((visibility("default")))

@@ -4,9 +4,11 @@
 
 #include <string>
 
-// A message from or to the bound device. A handler borrows it for the call.
+// A message from or to the bound device. A handler borrows it for the call. The order of the
+// operations is binary interface.
 class HOST_API IBindMessage {
  public:
+  // For auto_com only. Both return the number of references that there are then.
   virtual unsigned long AddRef() = 0;
   virtual unsigned long Release() = 0;
 
@@ -17,7 +19,8 @@ class HOST_API IBindMessage {
   // message.
   virtual const std::string& GetCommand() const = 0;
 
-  // The named parameter's text. What a missing parameter yields is the host's.
+  // The named parameter's text. How the two differ, and what they return for a parameter that the
+  // message lacks, is up to the host; in the stand-in they are alike, and return empty text.
   virtual std::string GetParamText(const std::string& name) const = 0;
   virtual std::string GetParamValue(const std::string& name) const = 0;
 

@@ -5,9 +5,11 @@
 
 #include <string>
 
-// A command or a user-interface request. A handler borrows it for the call.
+// A command or a user-interface request. A handler borrows it for the call. The order of the
+// operations is binary interface.
 class HOST_API ICmdMessage {
  public:
+  // For auto_com only. Both return the number of references that there are then.
   virtual unsigned long AddRef() = 0;
   virtual unsigned long Release() = 0;
 
@@ -15,15 +17,18 @@ class HOST_API ICmdMessage {
   // make one.
   virtual tq::auto_com<ICmdMessage> Clone() const = 0;
 
-  // Adds a parameter behind those that are there. The types are the host's: "STRING", "INTEGER".
+  // Add a parameter after those that are there; the texts are copied. Drivers use the types
+  // "STRING" and "INTEGER".
   virtual void AddParamText(const std::string& name, const std::string& type,
                             const std::string& value) = 0;
   virtual void AddParamNumber(const std::string& name, const std::string& type,
                               unsigned long value) = 0;
 
+  // Whether there is a parameter of that name.
   virtual bool HasParam(const std::string& name) const = 0;
 
-  // Decimal text up to its first other character; 0 for a missing parameter or none.
+  // The parameter as a number. The stand-in reads decimal digits, as strtoul does, up to the first
+  // other character; 0 where there are none or no such parameter.
   virtual unsigned long GetParamNumber(const std::string& name) const = 0;
 
  protected:

@@ -12,21 +12,29 @@
 
 #include <string>
 
-// The interface through which the host drives a driver. The host makes its calls into one driver
-// one at a time; what it passes by reference is borrowed for the call; a returned holder's
-// reference passes to the host. An exception of a host operation comes back out of the call.
+// The interface through which the host drives a driver. The order of the operations is binary
+// interface. The host makes its calls into one driver one at a time. What it passes is borrowed for
+// the call. A returned holder passes its reference to the host, and may be empty; a returned
+// reference or pointer stays the driver's. What a host operation throws inside a call comes out of
+// that call. Where nothing else is said, the stand-in's base class does nothing and answers with
+// nothing.
 class HOST_API IDriver : public ITqObject {
  public:
+  // What the driver gave its base class.
   virtual DriverMultiplicity GetMultiplicity() = 0;
 
-  // Called once, after creation and before any message; `state`, what GetPersistState returned
-  // once, may be null. Returns 0, or what the host's base class reports as a failure.
+  // Called once, after creation and before any message. `state`, what GetPersistState returned
+  // once, may be null. Returns what the base class does; in the stand-in 0, or 1 when called again.
   virtual long Initialize(unsigned long id, TqXML::INode& config, TqXML::INode* state) = 0;
 
+  // The driver's life in a project.
   virtual void OnDriverAdded() = 0;
   virtual void OnDestroy() = 0;
   virtual void RemovedFromProject() = 0;
+
   virtual void OnAVRoomOff(unsigned long roomId) = 0;
+
+  // The driver's names.
   virtual const std::string& GetStringNameDriver() const = 0;
   virtual const std::string& GetStringNameProxy() const = 0;
   virtual void OnDriverNameChanged(const std::string& name) = 0;
@@ -37,7 +45,8 @@ class HOST_API IDriver : public ITqObject {
 
   virtual tq::auto_com<TqXML::INode> GetEvents() = 0;
 
-  // Executes a command; `ret` may be null.
+  // Executes a command. `ret`, the place for the answer, may be null. The meaning of `flags` is up
+  // to the host; drivers pass 0.
   virtual void ExecuteCommand(const ICmdMessage& command, ICmdReturn* ret, unsigned long flags) = 0;
 
   virtual tq::auto_com<TqXML::INode> GetInitializeData(unsigned long id) = 0;
@@ -48,6 +57,9 @@ class HOST_API IDriver : public ITqObject {
 
   virtual tq::auto_com<TqXML::INode> GetIdentifyStrings() = 0;
   virtual const std::string& GetModel() = 0;
+
+  // Audio and video paths between a source and a sink: made, made again, broken; what to know of a
+  // location; whether a path is possible. The types are the host's.
   virtual void OnAVSelected(const AVParams& params, const AV_Class& source, const AV_Class& sink,
                             const AVLocationInfo& location, const AVDriverLocationInfo* driverInfo,
                             AVReturn& ret) = 0;
@@ -65,21 +77,26 @@ class HOST_API IDriver : public ITqObject {
                                const AV_Class& sink) = 0;
   virtual bool IsAVSourceAvailable(const AVParams& params, const AV_Class& source,
                                    const AV_Class& sink) = 0;
+
   virtual const std::string& GetControlTag() const = 0;
   virtual void LateInitialize() = 0;
   virtual unsigned long GetDriverType() const = 0;
+
+  // The driver's own interfaces; null where it has none, as a proxy driver has no IDeviceIP.
   virtual IDeviceCommon* GetDeviceCommon() = 0;
   virtual IDeviceIP* GetDeviceIP() = 0;
+
   virtual tq::auto_com<TqXML::INode> GetDeviceBindingInfo(unsigned long bindingId) = 0;
 
-  // The text shown for an event of the driver.
+  // The text shown for an event of the driver; the base class has none for any.
   virtual std::string GetEventLabel(unsigned long eventId) const = 0;
 
  protected:
   ~IDriver() = default;
 };
 
-// Makes a driver with one reference, the caller's. `im` outlives it.
+// Makes a driver with one reference, the caller's. `im` outlives it. What goes wrong is thrown, and
+// nothing is left then.
 using CreationFunc = IDriver* (*)(IInstanceManager& im);
 
 // The one symbol that a plug-in exports. Never null; the same on every call.

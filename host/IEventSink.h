@@ -3,9 +3,10 @@
 #include "host/HostApi.h"
 #include "host/ITqObject.h"
 
-// Receives the events of other drivers.
+// Receives the events of other drivers. The order of the operations is binary interface.
 class HOST_API IEventSink : public ITqObject {
  public:
+  // A driver has fired one of its events.
   virtual void OnEventFired(unsigned long driverId, unsigned long eventId) = 0;
 
  protected:

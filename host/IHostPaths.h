@@ -4,11 +4,12 @@
 
 #include <string>
 
-// The host's directories; registered under "{311BE68F-E34E-4ED2-9D6F-39AC29384C02}".
+// The host's directories; the service registered under "{311BE68F-E34E-4ED2-9D6F-39AC29384C02}".
+// The order of the operations is binary interface.
 class HOST_API IHostPaths {
  public:
-  // The image root: the directory, with a path separator at its end, below which lie the files
-  // whose relative paths go to the user interfaces.
+  // The image root, with a path separator at its end: user interfaces are sent paths of files below
+  // it. Belongs to the service.
   virtual const std::string& GetRootPath() = 0;
 
  protected:

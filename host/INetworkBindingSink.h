@@ -3,9 +3,10 @@
 #include "host/HostApi.h"
 #include "host/ITqObject.h"
 
-// Hears of network bindings that are made or broken.
+// Receives the news of network bindings. The order of the operations is binary interface.
 class HOST_API INetworkBindingSink : public ITqObject {
  public:
+  // A network binding has been made or broken.
   virtual void OnNetworkBindingChanged(unsigned long bindingId, bool bound) = 0;
 
  protected:

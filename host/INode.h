@@ -6,21 +6,26 @@
 
 namespace TqXML {
 
-// An XML element: a name, a text value, and named values and children in the order of adding.
-// Texts are byte strings; how the host writes a byte that XML cannot hold is the host's.
+// An XML element: a name, a text value, and named values and children, which keep the order in
+// which they were added. Texts are bytes, and are copied. The order of the operations is binary
+// interface.
 class HOST_API INode {
  public:
+  // For auto_com only, as Release. Both return the number of references that there are then.
   virtual unsigned long AddRef() = 0;
 
-  // Adds a named value behind all values and children added so far. `value` may not be null.
+  // Add a named value after all that was added so far. `value` may not be null. The stand-in writes
+  // a named value as a child element, and a bool as True or False.
   virtual void AddNamedValue(const std::string& name, const char* value) = 0;
   virtual void AddNamedValue(const std::string& name, const std::string& value) = 0;
   virtual void AddNamedValue(const std::string& name, bool value) = 0;
 
-  // The element with its values and children as XML text.
+  // The element with its values and children as XML text. The stand-in writes U+FFFD for what XML
+  // cannot hold.
   virtual std::string GetXmlString() const = 0;
 
-  // Names a nameless element. Requires: the element has no name yet, and `name` is not empty.
+  // Gives a new element from CreateXmlNode() its name, which is not empty, and its text value.
+  // Called once for an element, before anything is added.
   virtual void SetNameValue(const std::string& name, const std::string& value) = 0;
 
   virtual unsigned long Release() = 0;

@@ -2,9 +2,10 @@
 
 #include "host/HostApi.h"
 
-// Hears of timers that run out.
+// Receives the news of a driver's timers. The order of the operations is binary interface.
 class HOST_API ITimerSink {
  public:
+  // A timer has run out.
   virtual void OnTimerExpired(unsigned long timerId, long data) = 0;
 
  protected:

@@ -4,16 +4,17 @@
 
 #include <string>
 
-// What most of the interfaces of a driver begin with.
+// What most of the interfaces of a driver begin with. The order of the operations is binary
+// interface.
 class HOST_API ITqObject {
  public:
-  // The count of references afterwards. An object starts with one, its maker's; Release of the last
-  // one destroys the object.
+  // Both return the number of references that there are then. An object starts with one, its
+  // maker's; the Release of the last one destroys it.
   virtual unsigned long AddRef() = 0;
   virtual unsigned long Release() = 0;
 
-  // Stores the named interface of the same object in `*out`, null when it has none by that name.
-  // Takes no reference. Returns whether there is one.
+  // Stores the named interface of the same object in `*out` and returns whether there is one. The
+  // stand-in knows none: it stores null.
   virtual bool QueryInterface(const std::string& name, void** out) = 0;
 
  protected:

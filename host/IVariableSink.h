@@ -5,11 +5,15 @@
 
 #include <string>
 
-// Hears of the state variables of other drivers.
+// Receives the news of other drivers' state variables. The order of the operations is binary
+// interface.
 class HOST_API IVariableSink : public ITqObject {
  public:
+  // A state variable of a device has another value.
   virtual void OnVariableChanged(unsigned long deviceId, unsigned long variableId,
                                  const std::string& value) = 0;
+
+  // As IDeviceCommon::GetDeviceId.
   virtual unsigned long GetDeviceId() const = 0;
 
  protected:

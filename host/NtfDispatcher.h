@@ -8,13 +8,13 @@
 
 #include <string>
 
-// Delivers the bound device's notifications by name.
+// Delivers the bound device's notifications by name. A handler borrows the message.
 class HOST_API NtfDispatcher {
  public:
   using Handler = boost::function<void(const IBindMessage&)>;
 
-  // Names are compared byte for byte; registering a name again replaces its handler. The dispatcher
-  // keeps a copy of the handler for the life of the driver.
+  // `handler` receives each notification of that name, for the life of the driver. In the stand-in
+  // a name that is registered again gets the new handler.
   void RegisterNtf(const std::string& name, Handler handler);
 
   // `handler` receives each notification whose name has no handler.

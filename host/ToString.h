@@ -6,7 +6,7 @@
 
 namespace tq {
 
-// The decimal text of `n`.
+// The decimal text of `n`, without a sign or leading zeros.
 HOST_API std::string ToString(unsigned long n);
 
 }  // namespace tq

@@ -20,9 +20,9 @@
 
 #include <string>
 
-// The base of all drivers. The host binary calls through the eight tables by slot number: the order
-// of the bases and of the virtual operations is part of the interface. Each operation stands once
-// in the primary table, and again in the table of every interface that declares it.
+// The base of all drivers. The order of the bases and of the operations is binary interface: the
+// host calls by slot number through eight tables. Each operation stands once in the primary table,
+// and again in the table of every interface that declares it; what it does is said there.
 class HOST_API TqBaseDriver : public IBoundDriver,
                               public IConnectionSink,
                               public IDeviceCommon,
@@ -41,6 +41,7 @@ class HOST_API TqBaseDriver : public IBoundDriver,
 
   virtual ~TqBaseDriver();
 
+  // 0 in the stand-in, which has no project; there the next two virtual operations do nothing.
   virtual unsigned long GetRoomId() const;
   unsigned long GetDeviceId() const override;
   const std::string& GetDeviceName() const override;
@@ -93,10 +94,11 @@ class HOST_API TqBaseDriver : public IBoundDriver,
   tq::auto_com<TqXML::INode> GetDeviceBindingInfo(unsigned long bindingId) override;
   std::string GetEventLabel(unsigned long eventId) const override;
 
-  // Creates a state variable; the meaning of the last three arguments is the host's.
+  // Creates a state variable of this driver with its first value. The meaning of the last three
+  // arguments is up to the host.
   virtual void VmAdd(unsigned long id, const std::string& name, TqTypes::VariableType type,
                      const std::string& value, long, long, const std::string&) = 0;
-  // Removes a state variable; an id that was never added is no error.
+  // Removes a state variable. An id that was never added is no error.
   virtual void VmRemove(unsigned long id) = 0;
 
   void OnVariableChanged(unsigned long deviceId, unsigned long variableId,
@@ -104,6 +106,7 @@ class HOST_API TqBaseDriver : public IBoundDriver,
   void OnConnectionStatusChanged(unsigned long connectionId, int port, OStatus status) override;
   void OnDataIn(unsigned long connectionId, int port, const unsigned char* data,
                 unsigned int size) override;
+  // As the other OnDataIn, for a packet, which is borrowed.
   virtual void OnDataIn(unsigned long connectionId, int port, const ITqProtocolPacket& packet);
   void OnPoll(unsigned long connectionId, int port) override;
   void OnNetworkBound(unsigned long connectionId, long address) override;
@@ -111,11 +114,11 @@ class HOST_API TqBaseDriver : public IBoundDriver,
   void OnTimerExpired(unsigned long timerId, long data) override;
   void OnNetworkBindingChanged(unsigned long bindingId, bool bound) override;
 
-  // A notification from the bound device.
+  // Delivers a notification from the bound device, which is borrowed.
   virtual void HandleNotification(const IBindMessage& msg) = 0;
 
-  // The driver's own constructor calls the first three; the host calls RegisterVariables, once for
-  // a driver; the driver's destructor calls UnregisterVariables, also when the host never called.
+  // The driver's constructor calls the first three and its destructor the last one. When the host
+  // calls RegisterVariables, if it does, is up to the host: the stand-in does in Initialize.
   virtual void RegisterCommands() = 0;
   virtual void RegisterNotifications() = 0;
   virtual void RegisterConditionals() = 0;
@@ -126,8 +129,8 @@ class HOST_API TqBaseDriver : public IBoundDriver,
   // `im` is kept for the life of the driver.
   TqBaseDriver(IInstanceManager& im, DriverMultiplicity multiplicity);
 
-  // Sends an element with all its values and children to the user interfaces. It is borrowed and
-  // may be changed or released afterwards.
+  // Sends an element with all its values and children to the user interfaces. It is borrowed: the
+  // driver may change or release it afterwards. None of the operations that send reports a failure.
   void ConSendDataToUI(const TqXML::INode& node);
 
   // Sends one named value to the user interfaces.
@@ -136,27 +139,28 @@ class HOST_API TqBaseDriver : public IBoundDriver,
   // Sends a command, which is borrowed, to the host's rooms.
   void SendCommandToRooms(const ICmdMessage& command);
 
-  // Sends a message, which is borrowed, over a binding; the bound device answers into `ret`, which
+  // Sends a message, which is borrowed, over a binding. The bound device answers into `ret`, which
   // may be null.
   void SendBoundCall(unsigned long bindingId, const IBindMessage& msg, ICmdReturn* ret) const;
 
   // Fires an event of this driver.
   void FireEvent(unsigned long eventId);
 
-  // Sets a state variable of this driver.
+  // Sets a state variable of this driver; the stand-in ignores an id that was not added.
   void ChangeMyVariable(unsigned long variableId, const std::string& value);
 
-  // A new message with the command's name and parameters and one reference, the caller's; null when
-  // the host cannot make one.
+  // Makes a message with the command's name and parameters and one reference, the caller's. Null
+  // when the host cannot make one.
   IBindMessage* CreateBindMessage(const ICmdMessage& command) const;
 
-  // Commands with one reference for the caller. Empty when the text is no command, or when the host
-  // cannot make one.
+  // Make a command with one reference, the caller's: from a command's XML text, or by name and
+  // without parameters. Empty when the text is no command or the host cannot make one.
   tq::auto_com<ICmdMessage> CreateCommandMessageFromXml(const std::string& xml) const;
   tq::auto_com<ICmdMessage> CreateCommandMessageFromName(const std::string& name) const;
 
-  // What the bound device states; a flag is set by exactly "True". Where it states nothing, both
-  // return false and leave the second argument as it is.
+  // Store what the bound device states about a capability and return true. Where it states nothing,
+  // the text form returns false. The stand-in then leaves text and flag as they are, returns false
+  // from both forms, and takes no text but "True" for true.
   bool ExtractCapability(const std::string& name, std::string& value) const;
   bool ExtractCapability(const std::string& name, bool& flag) const;
 

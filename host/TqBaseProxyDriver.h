@@ -9,19 +9,20 @@
 #include <string>
 
 // The base of drivers that stand between one bound device and the user interfaces. It hands
-// notifications, commands and requests to the dispatchers, in which the driver has registered its
-// handlers.
+// notifications, commands and requests to the dispatchers, where the driver has registered its
+// handlers. The order of the operations is binary interface.
 class HOST_API TqBaseProxyDriver : public TqBaseDriver {
  public:
   ~TqBaseProxyDriver() override;
 
+  // The bound device's messages are notifications; the stand-in ignores those of other bindings.
   void BoundCall(unsigned long bindingId, BindingType type, const std::string& className,
                  const IBindMessage& msg, ICmdReturn* ret) override;
 
-  // Keeps what the newly bound device states; an override calls this first.
+  // Takes note of the binding and of what the bound device states; an override calls this first.
   void OnBindingChanged(unsigned long bindingId, const std::string& className, bool bound) override;
 
-  // A command without a handler goes on to the bound device, its parameters unchanged.
+  // In the stand-in, a command without a handler goes on to the bound device, parameters unchanged.
   void ExecuteCommand(const ICmdMessage& command, ICmdReturn* ret, unsigned long flags) override;
 
   bool TestCondition(const ICondMessage& condition, unsigned long* result) override;
@@ -32,7 +33,7 @@ class HOST_API TqBaseProxyDriver : public TqBaseDriver {
   void HandleNotification(const IBindMessage& msg) override;
 
  protected:
-  // `bindingId` is the binding to the bound device.
+  // `im` is kept for the life of the driver; `bindingId` is the binding to the bound device.
   TqBaseProxyDriver(IInstanceManager& im, unsigned long bindingId, DriverMultiplicity multiplicity);
 
   NtfDispatcher m_NtfDispatcher;

@@ -8,21 +8,22 @@
 
 namespace TqXML {
 
-// A parsed XML text.
+// A parsed XML text. The order of the operations is binary interface.
 class HOST_API IDocument {
  public:
+  // For auto_com only. Both return the number of references that there are then.
   virtual unsigned long AddRef() = 0;
   virtual unsigned long Release() = 0;
 
-  // The root element; belongs to the document and lives as long as it.
+  // The root element. It belongs to the document and lives as long.
   virtual INode& GetRootNode() = 0;
 
  protected:
   ~IDocument() = default;
 };
 
-// The factories hand one reference to the caller. A holder that comes back empty means that the
-// host could not make the object; a failed allocation is thrown as std::bad_alloc.
+// Each factory returns one reference, the caller's. An empty holder means that the host could not
+// make the object. The stand-in throws std::bad_alloc when memory runs out.
 
 // A new element without a name or a value.
 HOST_API tq::auto_com<INode> CreateXmlNode();
@@ -30,7 +31,8 @@ HOST_API tq::auto_com<INode> CreateXmlNode();
 // A new element with that name and text value; an empty value gives an empty element.
 HOST_API tq::auto_com<INode> CreateXmlNode(const std::string& name, const std::string& value);
 
-// Parses XML 1.0 text in UTF-8. The holder is empty when the text is not well-formed.
+// Parses XML text. The holder is empty when the text is no document; for the stand-in that is
+// well-formed XML 1.0 in UTF-8.
 HOST_API tq::auto_com<IDocument> CreateXmlDocument(const std::string& xml);
 
 }  // namespace TqXML

@@ -10,8 +10,8 @@
 
 #include <string>
 
-// Delivers user-interface requests by name. The node that a handler returns is the answer; its
-// reference passes to the host. An empty holder is no answer.
+// Delivers user-interface requests by name. A handler borrows the request. The node that it returns
+// is the answer, and its reference passes to the host; an empty holder is no answer.
 class HOST_API UICmdDispatcher {
  public:
   using Handler = boost::function<tq::auto_com<TqXML::INode>(const ICmdMessage&)>;

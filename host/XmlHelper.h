@@ -3,9 +3,11 @@
 #include "host/HostApi.h"
 #include "host/INode.h"
 
+// Does with an element what its interface has no operation for.
 class HOST_API XmlHelper {
  public:
-  // Appends a child element. The child belongs to `parent`, lives as long as it, and is never
-  // released by the caller. Requires: `parent` has a name; `name` and `value` are not null.
+  // Adds a child element after all that was added so far, and returns it. It belongs to `parent`
+  // and lives as long; the caller does not release it. Requires: `parent` has a name; `name` and
+  // `value` are not null.
   static TqXML::INode* AddChild(TqXML::INode& parent, const char* name, const char* value);
 };
