@@ -1,0 +1,40 @@
+#include "players/mpd/Input.h"
+
+#include "players/mpd/Complaint.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace mpdplayer {
+
+namespace {
+
+constexpr std::size_t s_LongestLine = std::size_t{1} << 20U;
+
+}  // namespace
+
+bool Input::Read() {
+  char piece[16384];
+  const ssize_t size = read(m_Fd, piece, sizeof piece);
+  if (size < 0) return errno == EAGAIN || errno == EINTR;
+  m_Buffer.append(piece, static_cast<std::size_t>(size));
+  TakeLines();
+  return size > 0;
+}
+
+void Input::TakeLines() {
+  std::size_t start = 0;
+  for (std::size_t end = 0; (end = m_Buffer.find('\n', start)) != std::string::npos;) {
+    if (!m_Skipping && end > start) m_OnLine(m_Buffer.substr(start, end - start));
+    m_Skipping = false;
+    start = end + 1;
+  }
+  m_Buffer.erase(0, start);
+  if (m_Buffer.size() <= s_LongestLine) return;
+  if (!m_Skipping) Complain("a line of the input is longer than 1 MiB");
+  m_Skipping = true;
+  m_Buffer.clear();
+}
+
+}  // namespace mpdplayer
