@@ -42,8 +42,7 @@ tq::auto_com<TqXML::INode> TqBaseDriver::UIRequest(const ICmdMessage& request) {
 }
 
 void TqBaseDriver::ConSendDataToUI(const TqXML::INode& node) {
-  const standin::WholeText text(standin::Element::Of(node));
-  Services::Of(m_InstanceManager).observer.OnUi(text.Get());
+  Services::Of(m_InstanceManager).observer.OnUi(standin::Element::Of(node).GetXmlString());
 }
 
 void TqBaseDriver::SendDataToUISimple(const std::string& name, const std::string& value) {

@@ -76,11 +76,7 @@ class Gatherer {
   void Start(const char* name, const char** attributes) {
     const std::string_view tag = std::string_view(m_Xml).substr(Position(), EventSize());
     const bool usesOwnEntities = EscapeOwnEntities(tag);
-    if (m_Depth == 0) {
-      m_Begin = Position();
-      m_Content.nameLength = std::string_view(name).size();
-      m_Content.headEnd = tag.size() - (tag[tag.size() - 2] == '/' ? 2 : 1);
-    }
+    if (m_Depth == 0) m_Begin = Position();
     if (m_Depth < 2) {
       m_Content.elements.push_back({name, {}, {}});
       // Behind those of the tag come the defaults that the document declares.
@@ -93,9 +89,7 @@ class Gatherer {
   }
 
   void End() {
-    if (--m_Depth > 0) return;
-    m_End = Position() + EventSize();
-    m_Content.contentEnd = EventSize() > 0 ? Position() - m_Begin : m_Content.headEnd;
+    if (--m_Depth == 0) m_End = Position() + EventSize();
   }
 
   void Text(std::string_view text) {
@@ -124,14 +118,10 @@ class Gatherer {
   }
 
   void CopyRoot() {
-    const std::size_t headEnd = m_Content.headEnd;
-    const std::size_t contentEnd = m_Content.contentEnd;
     std::size_t copied = m_Begin;
     for (const std::size_t at : m_Escaped) {
       m_Content.root.append(m_Xml, copied, at - copied).append("&amp;");
       copied = at + 1;
-      if (at - m_Begin < headEnd) m_Content.headEnd += 4;
-      if (at - m_Begin < contentEnd) m_Content.contentEnd += 4;
     }
     m_Content.root.append(m_Xml, copied, m_End - copied);
   }

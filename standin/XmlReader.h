@@ -20,13 +20,9 @@ struct XmlContent {
     std::string Attribute(const std::string& attribute) const;
   };
 
-  // The root as it stands in the text, readable without the document's declarations: a reference to
-  // an entity of its own has its '&' escaped. The offsets are those of the end of the start tag's
-  // name and attributes, and of the end tag; of the end of the head, both, when it is empty.
+  // The root as it stands in the text, but readable without the document's declarations: where it
+  // refers to an entity of the document's own, the '&' is escaped.
   std::string root;
-  std::size_t nameLength = 0;
-  std::size_t headEnd = 0;
-  std::size_t contentEnd = 0;
 
   std::vector<Element> elements;  // the root, then its children
 };
