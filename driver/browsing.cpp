@@ -6,7 +6,7 @@
 
 // Takes the held document's place only when it is complete, so that the items' element always
 // belongs to the held document.
-void media::NewDocument(const char* name, std::initializer_list<NamedValue> values) {
+void media::NewDocument(const std::string& name, std::initializer_list<NamedValue> values) {
   auto node = TqXML::CreateXmlNode();
   TqXML::INode* items = nullptr;
   if (node) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "driver/documents.h"
 #include "host/FlexMode.h"
 #include "host/IBindMessage.h"
 #include "host/ICmdMessage.h"
@@ -78,17 +79,11 @@ class media : public TqBaseProxyDriver {
   };
   static const Capability s_Capabilities[12];
 
-  // A named value of a document.
-  struct NamedValue {
-    std::string name;
-    const std::string& value;
-  };
-
   // A parameter of a notification, the field that stores its text, and its name in the document.
   struct StoredValue {
-    const char* parameter;
+    const std::string& parameter;
     std::string& field;
-    const char* name;
+    const std::string& name;
   };
 
   void RegisterRequests();
@@ -125,20 +120,18 @@ class media : public TqBaseProxyDriver {
 
   // The bodies of handlers that differ only in names. They read all parameters before they store
   // one, so that a failure leaves the fields as they were.
-  void StoreAndSendTwo(const IBindMessage& msg, const char* document, const StoredValue& first,
-                       const StoredValue& second);
-  void StoreAndSendMode(const IBindMessage& msg, const char* document, const char* name,
-                        std::string& field);
-  void StoreAndSendModesList(const IBindMessage& msg, const char* document, const std::string& name,
-                             FlexMode& list);
+  void StoreAndSendTwo(const IBindMessage& msg, const std::string& document,
+                       const StoredValue& first, const StoredValue& second);
+  void StoreAndSendMode(const IBindMessage& msg, const std::string& document,
+                        const std::string& name, std::string& field);
+  void StoreAndSendModesList(const IBindMessage& msg, const std::string& document,
+                             const std::string& name, FlexMode& list);
   void SetFromCapability(const std::string& name, FlexMode& list, const char* fallback);
-  void NewDocument(const char* name, std::initializer_list<NamedValue> values);
+  void NewDocument(const std::string& name, std::initializer_list<NamedValue> values);
   void AddItem(const IBindMessage& msg);
 
-  static void AddValues(TqXML::INode& node, std::initializer_list<NamedValue> values);
-
   // Sends a document of these values; nothing when the host makes no node.
-  void SendToUI(const char* document, std::initializer_list<NamedValue> values);
+  void SendToUI(const std::string& document, std::initializer_list<NamedValue> values);
 
   FlexMode m_ShuffleModes;
   FlexMode m_RepeatModes;

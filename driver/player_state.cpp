@@ -36,7 +36,7 @@ tq::auto_com<TqXML::INode> media::OnGetOnlineStatus(const ICmdMessage&) {
   return TqXML::CreateXmlNode("online", m_OnlineStatus);
 }
 
-void media::StoreAndSendModesList(const IBindMessage& msg, const char* document,
+void media::StoreAndSendModesList(const IBindMessage& msg, const std::string& document,
                                   const std::string& name, FlexMode& list) {
   list.SetModesList(msg.GetParamValue(name));
   SendToUI(document, {{name, list.GetModesList()}});
@@ -62,8 +62,8 @@ tq::auto_com<TqXML::INode> media::OnGetRepeatModes(const ICmdMessage&) {
   return TqXML::CreateXmlNode(s_RepeatModesCapStr, m_RepeatModes.GetModesList());
 }
 
-void media::StoreAndSendMode(const IBindMessage& msg, const char* document, const char* name,
-                             std::string& field) {
+void media::StoreAndSendMode(const IBindMessage& msg, const std::string& document,
+                             const std::string& name, std::string& field) {
   field = msg.GetParamValue(name);
   SendToUI(document, {{name, field}});
 }
@@ -76,8 +76,8 @@ void media::OnNtfRepeatChanged(const IBindMessage& msg) {
   StoreAndSendMode(msg, "REPEAT_CHANGED", "repeat_mode", m_RepeatMode);
 }
 
-void media::StoreAndSendTwo(const IBindMessage& msg, const char* document, const StoredValue& first,
-                            const StoredValue& second) {
+void media::StoreAndSendTwo(const IBindMessage& msg, const std::string& document,
+                            const StoredValue& first, const StoredValue& second) {
   std::string firstText = msg.GetParamText(first.parameter);
   std::string secondText = msg.GetParamText(second.parameter);
   first.field = std::move(firstText);

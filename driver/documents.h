@@ -1,0 +1,17 @@
+#pragma once
+
+#include "host/INode.h"
+
+#include <initializer_list>
+#include <string>
+
+// A named value of a document. Both texts are borrowed for the call that takes it.
+struct NamedValue {
+  const std::string& name;
+  const std::string& value;
+};
+
+// Inline: compilers then make the calls one by one and no list.
+inline void AddValues(TqXML::INode& node, std::initializer_list<NamedValue> values) {
+  for (const NamedValue& value : values) node.AddNamedValue(value.name, value.value);
+}
