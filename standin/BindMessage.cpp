@@ -51,6 +51,12 @@ std::string BindMessage::Read(Observer::Accessor accessor, const std::string& na
   return param ? param->value : std::string();
 }
 
+const Params& ParametersOf(const IBindMessage& notification) {
+  return BindMessage::Of(notification).Parameters();
+}
+
+bool IsXml(const std::string& text) { return ReadXml(text).has_value(); }
+
 tq::auto_com<IBindMessage> MakeNotification(const std::string& name, Params params) {
   return tq::auto_com<IBindMessage>(new BindMessage(name, "", std::move(params), std::nullopt));
 }

@@ -72,8 +72,9 @@ class HOST_API Host {
   // From now on the factory yields an empty holder, or works again.
   void SetFault(Factory factory, bool fails);
 
-  // What the driver has registered, in that order: "notification NAME", "default notification",
-  // "command NAME", "request NAME", "variable ID NAME" and the type and last arguments of VmAdd.
+  // What the driver has registered, in that order: "binding ID" for its bound device, "notification
+  // NAME", "default notification", "command NAME", "request NAME", "variable ID NAME" and the type
+  // and last arguments of VmAdd.
   const std::vector<std::string>& Registered() const;
 
   // The driver, for calls that this class has no operation for. Belongs to the host.

@@ -22,6 +22,12 @@ HOST_API tq::auto_com<IBindMessage> MakeNotification(const std::string& name, Pa
 HOST_API tq::auto_com<IBindMessage> MakeNotificationFromXml(const std::string& name,
                                                             std::string xml);
 
+// A notification's parameters; they live as long as it.
+HOST_API const Params& ParametersOf(const IBindMessage& notification);
+
+// Whether a text is well-formed XML 1.0 in UTF-8.
+HOST_API bool IsXml(const std::string& text);
+
 // A command, or a user-interface request.
 HOST_API tq::auto_com<ICmdMessage> MakeCommand(const std::string& name, Params params);
 

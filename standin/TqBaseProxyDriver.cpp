@@ -14,7 +14,9 @@ using Change = standin::Observer::Change;
 
 TqBaseProxyDriver::TqBaseProxyDriver(IInstanceManager& im, unsigned long bindingId,
                                      DriverMultiplicity multiplicity)
-    : TqBaseDriver(im, multiplicity), m_RoomOutputs(&Services::Of(im)), m_BindingId(bindingId) {}
+    : TqBaseDriver(im, multiplicity), m_RoomOutputs(&Services::Of(im)), m_BindingId(bindingId) {
+  Services::Of(im).registered.push_back("binding " + std::to_string(bindingId));
+}
 
 TqBaseProxyDriver::~TqBaseProxyDriver() = default;
 

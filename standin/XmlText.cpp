@@ -1,5 +1,7 @@
 #include "standin/XmlText.h"
 
+#include "standin/Utf8.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -12,26 +14,9 @@ namespace {
 
 constexpr std::string_view s_Replacement = "\xEF\xBF\xBD";
 
-struct Sequence {
-  std::size_t length;
-  bool valid;
-};
-
-// The UTF-8 sequence at the head of `text`, which is not empty, or the maximal part of one.
-Sequence ReadSequence(std::string_view text) {
-  const auto lead = static_cast<unsigned char>(text[0]);
-  if (lead < 0xC2 || lead > 0xF4) return {1, lead < 0x80};
-  const std::size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-  unsigned low = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
-  unsigned high = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
-  for (std::size_t i = 1; i < length; ++i) {
-    const unsigned next = i < text.size() ? static_cast<unsigned char>(text[i]) : 0;
-    if (next < low || next > high) return {i, false};
-    low = 0x80;
-    high = 0xBF;
-  }
-  const std::string_view sequence = text.substr(0, length);
-  return {length, sequence != "\xEF\xBF\xBE" && sequence != "\xEF\xBF\xBF"};
+// Whether XML can hold the character that the sequence stands for.
+bool IsCharacter(std::string_view sequence) {
+  return sequence != "\xEF\xBF\xBE" && sequence != "\xEF\xBF\xBF";
 }
 
 // How a byte is written: as it is, in place of it, or by the sequence that it begins.
@@ -73,8 +58,8 @@ std::size_t PlainLength(std::string_view text) {
     at = std::find_if(at, text.end(), isOther);
     const auto length = static_cast<std::size_t>(at - text.begin());
     if (at == text.end() || writing(*at) == Writing::InPlace) return length;
-    const Sequence sequence = ReadSequence(text.substr(length));
-    if (!sequence.valid) return length;
+    const Utf8Sequence sequence = ReadUtf8(text.substr(length));
+    if (!sequence.valid || !IsCharacter(text.substr(length, sequence.length))) return length;
     at += sequence.length;
   }
 }
@@ -122,7 +107,7 @@ void AppendText(std::string& xml, std::string_view text) {
     const auto byte = static_cast<unsigned char>(text[0]);
     const bool inPlace = s_Escapes.writing[byte] == Writing::InPlace;
     xml += inPlace ? s_Escapes.inPlace[byte] : s_Replacement;
-    text.remove_prefix(inPlace ? 1 : ReadSequence(text).length);
+    text.remove_prefix(inPlace ? 1 : ReadUtf8(text).length);
   }
 }
 

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "host/HostApi.h"
+
+#include <cstddef>
+#include <string_view>
+
+namespace standin {
+
+struct Utf8Sequence {
+  std::size_t length;
+  bool valid;
+};
+
+// The UTF-8 sequence at the head of a text that is not empty; of a broken one the maximal part, as
+// in section 3.9 of the Unicode standard.
+HOST_API Utf8Sequence ReadUtf8(std::string_view text);
+
+}  // namespace standin
