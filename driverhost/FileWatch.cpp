@@ -5,12 +5,13 @@
 
 #include <climits>
 #include <cstddef>
+#include <utility>
 
 namespace driverhost {
 
-FileWatch::FileWatch(const std::string& directory)
-    : m_Directory(directory), m_Queue(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
-  inotify_add_watch(m_Queue, directory.c_str(), IN_CLOSE_WRITE | IN_ONLYDIR);
+FileWatch::FileWatch(const std::string& root, std::string directory)
+    : m_Directory(std::move(directory)), m_Queue(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
+  inotify_add_watch(m_Queue, (root + m_Directory).c_str(), IN_CLOSE_WRITE | IN_ONLYDIR);
 }
 
 FileWatch::~FileWatch() { close(m_Queue); }
@@ -22,7 +23,7 @@ std::vector<std::string> FileWatch::Written() {
   while ((size = read(m_Queue, events, sizeof events)) > 0) {
     for (std::size_t at = 0; at < static_cast<std::size_t>(size);) {
       const auto* event = reinterpret_cast<const inotify_event*>(events + at);
-      if (event->len > 0) paths.push_back(m_Directory + '/' + event->name);
+      if (event->len > 0) paths.push_back(m_Directory + event->name);
       at += sizeof(inotify_event) + event->len;
     }
   }

@@ -8,14 +8,15 @@ namespace driverhost {
 // Notices the files in one directory that are closed after writing.
 class FileWatch {
  public:
-  // A directory that is not there is watched in vain.
-  explicit FileWatch(const std::string& directory);
+  // Watches `root` followed by `directory`, both with a separator at the end. A directory that is
+  // not there is watched in vain.
+  FileWatch(const std::string& root, std::string directory);
   ~FileWatch();
   FileWatch(const FileWatch&) = delete;
   FileWatch& operator=(const FileWatch&) = delete;
 
-  // The paths of those closed since the last call, in that order. One that is closed several times
-  // in a row stands once.
+  // The paths below the root of those closed since the last call, in that order. One that is closed
+  // several times in a row stands once.
   std::vector<std::string> Written();
 
  private:

@@ -1,5 +1,6 @@
 #include "driverhost/ImageRoot.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -7,6 +8,8 @@
 #include <stdexcept>
 
 namespace driverhost {
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -22,12 +25,23 @@ std::string MakeTemporary() {
 
 }  // namespace
 
-std::string MakeImageRoot(const std::string& asked) {
-  std::string path = asked.empty() ? MakeTemporary() : asked;
+ImageRoot::ImageRoot(const std::string& asked)
+    : m_Path(asked.empty() ? MakeTemporary() : asked), m_Temporary(asked.empty()) {
   std::error_code ignored;
-  std::filesystem::create_directories(path, ignored);
-  if (path.back() != '/') path += '/';
-  return path;
+  fs::create_directories(m_Path, ignored);
+  if (m_Path.back() != '/') m_Path += '/';
+}
+
+bool ImageRoot::Keep() const {
+  std::error_code error;
+  if (m_Temporary) {
+    const fs::recursive_directory_iterator entries(m_Path, error);
+    if (!error && std::all_of(begin(entries), end(entries),
+                              [](const auto& entry) { return entry.is_directory(); })) {
+      fs::remove_all(m_Path, error);
+    }
+  }
+  return fs::is_directory(m_Path, error);
 }
 
 }  // namespace driverhost

@@ -1,6 +1,7 @@
 #include "driverhost/Interrupt.h"
 
 #include <csignal>
+#include <cstdlib>
 
 namespace driverhost {
 
@@ -8,7 +9,7 @@ namespace {
 
 volatile std::sig_atomic_t s_Interrupted = 0;
 
-extern "C" void OnInterrupt(int) { s_Interrupted = 1; }
+extern "C" void OnInterrupt(int signal) { s_Interrupted = signal; }
 
 }  // namespace
 
@@ -20,6 +21,12 @@ void CatchInterrupts() {
   sigaction(SIGTERM, &action, nullptr);
 }
 
-bool Interrupted() { return s_Interrupted != 0; }
+int Interrupted() { return s_Interrupted; }
+
+void EndByInterrupt() {
+  std::signal(s_Interrupted, SIG_DFL);
+  std::raise(s_Interrupted);
+  std::exit(128 + s_Interrupted);
+}
 
 }  // namespace driverhost

@@ -6,7 +6,10 @@ namespace driverhost {
 // second one ends the program at once.
 void CatchInterrupts();
 
-// Whether one came.
-bool Interrupted();
+// The signal that came; 0 while none did.
+int Interrupted();
+
+// Ends the program as that signal would have ended it, which is what its parent looks for.
+[[noreturn]] void EndByInterrupt();
 
 }  // namespace driverhost

@@ -1,28 +1,14 @@
 #include "driverhost/Legible.h"
 
+#include "standin/Utf8.h"
+
+#include <wchar.h>
+
 #include <algorithm>
 
 namespace driverhost {
 
 namespace {
-
-// The length of the character at the head of `text`, which is not empty; 0 when it is not UTF-8.
-std::size_t CharacterLength(std::string_view text) {
-  const auto lead = static_cast<unsigned char>(text[0]);
-  if (lead < 0x80) return 1;
-  if (lead < 0xC2 || lead > 0xF4) return 0;
-  const std::size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-  // The first continuation byte keeps out longer forms than needed, surrogates and the far end.
-  unsigned low = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
-  unsigned high = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
-  for (std::size_t i = 1; i < length; ++i) {
-    const unsigned next = i < text.size() ? static_cast<unsigned char>(text[i]) : 0;
-    if (next < low || next > high) return 0;
-    low = 0x80;
-    high = 0xBF;
-  }
-  return length;
-}
 
 // C0, DEL, and C1, which terminals obey too.
 bool IsControl(std::string_view character) {
@@ -31,48 +17,78 @@ bool IsControl(std::string_view character) {
   return first < 0x20 || first == 0x7F || c1;
 }
 
-void AppendEscape(std::string& out, std::string_view bytes) {
+std::string Escape(std::string_view bytes) {
   static constexpr std::string_view known = "\n\r\t";
   static constexpr std::string_view letters = "nrt";
   static constexpr char digits[] = "0123456789ABCDEF";
+  std::string escape;
   for (const char c : bytes) {
     const auto byte = static_cast<unsigned char>(c);
     const std::size_t at = known.find(c);
-    out += '\\';
+    escape += '\\';
     if (at != std::string_view::npos) {
-      out += letters[at];
+      escape += letters[at];
     } else {
-      out += {'x', digits[byte >> 4U], digits[byte & 0xFU]};
+      escape += {'x', digits[byte >> 4U], digits[byte & 0xFU]};
     }
   }
+  return escape;
+}
+
+// Of a character that is valid UTF-8 and no control.
+std::size_t Columns(std::string_view character) {
+  if (character.size() == 1) return 1;
+  std::mbstate_t state{};
+  wchar_t code = 0;
+  const std::size_t read = mbrtowc(&code, character.data(), character.size(), &state);
+  const int columns = read == character.size() ? wcwidth(code) : 1;
+  return columns < 0 ? 1 : static_cast<std::size_t>(columns);
+}
+
+std::string Fit(std::string_view text, std::size_t columns, const std::string& suffix) {
+  std::string out;
+  std::size_t used = 0;
+  std::size_t kept = 0;  // so much fits with the suffix
+  for (std::string_view rest = text; !rest.empty();) {
+    const standin::Utf8Sequence sequence = standin::ReadUtf8(rest);
+    const std::string_view character = rest.substr(0, sequence.length);
+    const bool escaped = !sequence.valid || IsControl(character);
+    const std::string piece = escaped ? Escape(character) : std::string(character);
+    used += escaped ? piece.size() : Columns(character);
+    if (used > columns) return out.substr(0, kept) + suffix;
+    out += piece;
+    if (used + suffix.size() <= columns) kept = out.size();
+    rest.remove_prefix(character.size());
+  }
+  return out;
 }
 
 }  // namespace
 
 bool IsUtf8(std::string_view text) {
   while (!text.empty()) {
-    const std::size_t length = CharacterLength(text);
-    if (length == 0) return false;
-    text.remove_prefix(length);
+    const auto* const other = std::find_if(text.begin(), text.end(),
+                                           [](char c) { return static_cast<signed char>(c) < 0; });
+    text.remove_prefix(static_cast<std::size_t>(other - text.begin()));
+    if (text.empty()) return true;
+    const standin::Utf8Sequence sequence = standin::ReadUtf8(text);
+    if (!sequence.valid) return false;
+    text.remove_prefix(sequence.length);
   }
   return true;
 }
 
-std::string Legible(std::string_view text, std::size_t limit) {
-  std::string out;
-  std::string_view rest = text;
-  for (std::size_t shown = 0; !rest.empty() && shown < limit; ++shown) {
-    const std::size_t length = CharacterLength(rest);
-    const std::string_view character = rest.substr(0, std::max<std::size_t>(length, 1));
-    if (length == 0 || IsControl(character)) {
-      AppendEscape(out, character);
-    } else {
-      out += character;
-    }
-    rest.remove_prefix(character.size());
-  }
-  if (!rest.empty()) out += "... (" + std::to_string(text.size()) + " bytes)";
-  return out;
+std::string Legible(std::string_view text, std::size_t columns) {
+  const std::string suffix = "... (" + std::to_string(text.size()) + " bytes)";
+  return Fit(text, columns, suffix.size() * 2 <= columns ? suffix : "...");
 }
+
+std::string Quoted(std::string_view name) {
+  constexpr std::size_t longest = 60;
+  std::string quoted(1, '"');
+  return quoted.append(Legible(name, longest)).append(1, '"');
+}
+
+std::string Cut(std::string_view text, std::size_t columns) { return Fit(text, columns, "..."); }
 
 }  // namespace driverhost

@@ -9,8 +9,14 @@ namespace driverhost {
 bool IsUtf8(std::string_view text);
 
 // The text for a terminal: control characters and bytes that are not UTF-8 are written as escapes
-// (\n, \x1B). What is longer than `limit` characters is cut there, between two characters, and
-// says how many bytes the whole has.
-std::string Legible(std::string_view text, std::size_t limit);
+// (\n, \x1B). What needs more than `columns` is cut there, between two characters, and says how
+// many bytes the whole has. Wide characters count as two columns where LC_CTYPE is one of UTF-8.
+std::string Legible(std::string_view text, std::size_t columns);
+
+// A name, legible and shortened, in double quotes.
+std::string Quoted(std::string_view name);
+
+// A legible text cut in the same way, with nothing but dots behind it.
+std::string Cut(std::string_view text, std::size_t columns);
 
 }  // namespace driverhost

@@ -1,72 +1,56 @@
 #pragma once
 
-#include "driverhost/FileWatch.h"
+#include "driverhost/Life.h"
 #include "driverhost/Output.h"
 #include "driverhost/Session.h"
-#include "driverhost/Step.h"
-#include "driverhost/Summary.h"
-#include "driverhost/Traffic.h"
-#include "standin/Host.h"
-#include "standin/Plugin.h"
+#include "driverhost/Verdict.h"
 
-#include <memory>
-#include <optional>
-#include <string>
-#include <vector>
+#include <chrono>
+#include <functional>
 
 namespace driverhost {
 
-enum ExitStatus : int { s_Ran = 0, s_Failed = 1, s_Wrong = 2 };
-
 struct ReplayOptions {
-  // With its separator at the end.
-  std::string imageRoot;
-  unsigned long id = 1;
   unsigned long repeat = 1;
+  double pace = 0;  // so many times as fast as the lines' times say; 0: as fast as it goes
 };
 
-// The life of one driver: creation, the session's lines in each round, destruction.
+// Plays a session's lines, in each round, between a driver's creation and its destruction.
 class Replay {
  public:
-  // Everything is borrowed and outlives the object.
-  Replay(const ReplayOptions& options, const standin::Plugin& plugin, Session& session,
-         Traffic& traffic, Output& output);
+  // Waits until then, or until Interrupted.
+  using Wait = std::function<void(std::chrono::steady_clock::time_point)>;
 
-  // Runs once. Tells what goes wrong on standard error and returns the program's exit status.
-  int Run();
+  // Everything is borrowed and outlives the object. `comment`, which may be empty, gets each line
+  // of the first round that is no step.
+  Replay(const ReplayOptions& options, Session& session, Life& life, Output& output,
+         Verdict& verdict, Wait wait, std::function<void(std::string_view)> comment);
 
-  const Figures& Totals() const { return m_Figures; }
+  // Runs once. What goes wrong is told through the verdict.
+  void Run();
+
+  // The lines played, in all rounds, the skipped ones too.
+  unsigned long Lines() const { return m_Lines; }
 
  private:
-  template <class Work>
-  void Attempt(Work work);
-  void Fail(ExitStatus status, const std::string& what);
-  void FailCall(const std::string& what);
-
   // Whether a signal, or standard output, ends the replay before the session does.
   bool Stopped() const;
 
-  void Create();
   void PlayRounds();
-  void PlayFirstRound();
-  void RunStep(const Step& step, unsigned long number);
-  void BeginStep(unsigned long number, const std::string& title);
-  void EndStep();
-  void Destroy();
-  void CheckLedger();
-  void CheckOutput();
+  void PlayRound();
+  bool PlayLine(const LineSplitter::Line& line);
+  void WaitFor(double at);
 
   const ReplayOptions& m_Options;
-  const standin::Plugin& m_Plugin;
   Session& m_Session;
-  Traffic& m_Traffic;
+  Life& m_Life;
   Output& m_Output;
-  std::unique_ptr<standin::Host> m_Host;
-  std::optional<FileWatch> m_Watch;
-  std::vector<Step> m_Kept;
-  Figures m_Figures;
-  unsigned long m_Step = 0;
-  int m_Status = s_Ran;
+  Verdict& m_Verdict;
+  const Wait m_Wait;
+  const std::function<void(std::string_view)> m_Comment;
+  std::chrono::steady_clock::time_point m_RoundBegan;
+  unsigned long m_Lines = 0;
+  unsigned long m_Before = 0;  // of them in the rounds before this one
 };
 
 }  // namespace driverhost

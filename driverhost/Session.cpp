@@ -2,26 +2,26 @@
 
 #include "driverhost/StepReader.h"
 
-#include <sys/types.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 namespace driverhost {
 
-namespace {
-
-constexpr std::string_view s_ByteOrderMark = "\xEF\xBB\xBF";
-
-bool IsSkipped(std::string_view line) {
-  return line.find_first_not_of(" \t") == std::string_view::npos || line.front() == '#';
+LineKind KindOf(std::string_view line) {
+  const auto skipBlanks = [&line] {
+    line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
+  };
+  skipBlanks();
+  if (line.empty() || line[0] == '#') return LineKind::Comment;
+  line.remove_prefix(1);
+  skipBlanks();
+  return line.starts_with("\"to\"") ? LineKind::Record : LineKind::Step;
 }
-
-}  // namespace
-
-void Session::LineFree::operator()(char* line) const { std::free(line); }
 
 Session::Session(const std::string& path) : m_Name(path) {
   if (path == "-") {
@@ -36,38 +36,60 @@ Session::Session(const std::string& path) : m_Name(path) {
   m_Folder = std::filesystem::path(path).parent_path();
 }
 
-std::optional<std::string_view> Session::ReadLine() {
-  char* line = m_Line.release();
-  errno = 0;
-  const ssize_t size = getline(&line, &m_Capacity, m_File.get());
-  const int error = errno;
-  m_Line.reset(line);
-  // After an error, too, getline returns what it has of the line; without memory it sets no flag.
-  if (std::ferror(m_File.get()) || (size < 0 && !std::feof(m_File.get()))) {
-    if (error == EINTR) return std::nullopt;
-    throw SessionError("driverhost: cannot read " + m_Name + ": " + std::strerror(error));
+void Session::Fail(int error) const {
+  throw SessionError("driverhost: cannot read " + m_Name + ": " + std::strerror(error));
+}
+
+void Session::Keep() {
+  if (lseek(fileno(m_File.get()), 0, SEEK_CUR) >= 0) return;
+  m_Copy.reset(std::tmpfile());
+  if (!m_Copy) Fail(errno);
+}
+
+void Session::Rewind() {
+  if (m_Copy) m_File = std::move(m_Copy);
+  if (lseek(fileno(m_File.get()), 0, SEEK_SET) < 0) Fail(errno);
+  m_Splitter = {};
+  m_AtEnd = false;
+}
+
+bool Session::Fill() {
+  std::array<char, 65536> part;
+  const ssize_t size = read(fileno(m_File.get()), part.data(), part.size());
+  if (size < 0 && errno != EINTR) Fail(errno);
+  if (size < 0 || m_AtEnd) return false;
+  if (size == 0) {
+    m_AtEnd = true;
+    m_Splitter.End();
+    return true;
   }
-  if (size < 0) return std::nullopt;
-  ++m_Lines;
-  std::string_view text(line, static_cast<std::size_t>(size));
-  if (m_Lines == 1 && text.substr(0, s_ByteOrderMark.size()) == s_ByteOrderMark) {
-    text.remove_prefix(s_ByteOrderMark.size());
+  m_Splitter.Append({part.data(), static_cast<std::size_t>(size)});
+  if (m_Copy && write(fileno(m_Copy.get()), part.data(), static_cast<std::size_t>(size)) != size) {
+    Fail(errno);
   }
-  if (!text.empty() && text.back() == '\n') text.remove_suffix(1);
-  if (!text.empty() && text.back() == '\r') text.remove_suffix(1);
-  return text;
+  return true;
+}
+
+std::optional<LineSplitter::Line> Session::NextLine() {
+  for (;;) {
+    if (auto line = m_Splitter.Next()) return line;
+    if (!Fill()) return std::nullopt;
+  }
+}
+
+Step Session::Read(const LineSplitter::Line& line) const {
+  try {
+    Step step = ReadStep(line, m_Folder);
+    step.source = m_Name;
+    return step;
+  } catch (const std::runtime_error& error) {
+    throw SessionError(m_Name + ':' + std::to_string(line.number) + ": " + error.what());
+  }
 }
 
 std::optional<Step> Session::Next() {
-  while (const auto line = ReadLine()) {
-    if (IsSkipped(*line)) continue;
-    try {
-      std::optional<Step> step = ReadStep(*line, m_Folder);
-      step->line = m_Lines;
-      return step;
-    } catch (const std::runtime_error& error) {
-      throw SessionError(m_Name + ':' + std::to_string(m_Lines) + ": " + error.what());
-    }
+  while (const auto line = NextLine()) {
+    if (KindOf(line->text) == LineKind::Step) return Read(*line);
   }
   return std::nullopt;
 }

@@ -1,11 +1,10 @@
 #pragma once
 
 #include "driverhost/FileContent.h"
+#include "driverhost/LineSplitter.h"
 #include "driverhost/Step.h"
 
-#include <cstddef>
 #include <filesystem>
-#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -19,33 +18,51 @@ class SessionError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// A session file, read line by line as it is asked for.
+// A line is a step unless it is empty, is a comment, or, in a case, is a record: an object whose
+// first key is "to".
+enum class LineKind { Step, Comment, Record };
+LineKind KindOf(std::string_view line);
+
+// A session file, read line by line as it is asked for. Holds no more than a line of it.
 class Session {
  public:
   // `path` is "-" for standard input. Throws SessionError.
   explicit Session(const std::string& path);
 
-  // The next line that is a step; nothing at the end, and when a signal interrupts the reading.
-  // Throws SessionError.
+  // The next line, whatever it holds; nothing at the end, and when a signal interrupts the reading.
+  // Valid until the next call. Throws SessionError.
+  std::optional<LineSplitter::Line> NextLine();
+
+  // What a line that is a step asks for. Throws SessionError.
+  Step Read(const LineSplitter::Line& line) const;
+
+  // As NextLine and Read, without the lines that are no steps.
   std::optional<Step> Next();
 
   // How many lines have been read, the skipped ones too.
-  unsigned long Lines() const { return m_Lines; }
+  unsigned long Lines() const { return m_Splitter.Count(); }
+
+  // From now on what is read is kept, on disk where it comes from a pipe, so that Rewind can start
+  // again.
+  void Keep();
+
+  // Starts again at the first line. Requires: Keep was called before the first line was read.
+  void Rewind();
+
+  const std::string& Name() const { return m_Name; }
 
  private:
-  struct LineFree {
-    void operator()(char* line) const;
-  };
+  // Whether there was more.
+  bool Fill();
 
-  // The next line without its line break. Valid until the next call.
-  std::optional<std::string_view> ReadLine();
+  [[noreturn]] void Fail(int error) const;
 
   const std::string m_Name;
   FilePtr m_File;
+  FilePtr m_Copy;  // of what came from a pipe
   std::filesystem::path m_Folder;
-  std::unique_ptr<char, LineFree> m_Line;
-  std::size_t m_Capacity = 0;
-  unsigned long m_Lines = 0;
+  LineSplitter m_Splitter;
+  bool m_AtEnd = false;
 };
 
 }  // namespace driverhost

@@ -5,18 +5,23 @@
 #include "host/auto_com.h"
 
 #include <map>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 
 namespace driverhost {
 
 struct Notify {
+  std::string name;
   tq::auto_com<IBindMessage> message;
 };
 struct Execute {
+  std::string name;
   tq::auto_com<ICmdMessage> command;
 };
 struct Request {
+  std::string name;
   tq::auto_com<ICmdMessage> request;
 };
 struct Bind {
@@ -33,12 +38,18 @@ struct Rooms {
 };
 struct Persist {};
 
-// What one line of a session asks of the host. It can be run any number of times.
+// What one line of a session asks of the host. It can be run any number of times. Creation and
+// destruction are steps without a line and without a call.
 struct Step {
+  std::string title;  // the kind and the name, legible and short: "notify NEW_LIST"
+  // The line that it was read from, without its line break, its number and where it came from, as
+  // messages name it; borrowed from whoever read it.
+  std::string_view text;
+  std::string_view source;
   unsigned long line = 0;
-  // One legible line of bounded length: the kind, the name, the parameters.
-  std::string title;
-  std::variant<Notify, Execute, Request, Bind, Unbind, Rooms, Persist> call;
+  std::optional<double> at;  // seconds since the session's start
+  std::string hint;          // what is hardly meant in the line, though it is legal; mostly empty
+  std::variant<std::monostate, Notify, Execute, Request, Bind, Unbind, Rooms, Persist> call;
 };
 
 }  // namespace driverhost

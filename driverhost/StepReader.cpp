@@ -3,15 +3,16 @@
 #include "driverhost/Base64.h"
 #include "driverhost/FileContent.h"
 #include "driverhost/Legible.h"
+#include "driverhost/NearestWord.h"
 #include "driverhost/Number.h"
-#include "driverhost/StepTitle.h"
-#include "host/Base64Encoder.h"
 #include "standin/Messages.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <array>
+#include <climits>
+#include <cmath>
 #include <functional>
 #include <map>
 #include <set>
@@ -29,8 +30,6 @@ using Json = nlohmann::ordered_json;
 constexpr int s_DeepestObject = 2;
 
 [[noreturn]] void Fail(const std::string& what) { throw std::runtime_error(what); }
-
-std::string Quoted(const std::string& key) { return '"' + Legible(key, 60) + '"'; }
 
 // Refuses a key that stands twice in its object, and what is nested deeper than any line needs.
 class KeyGuard {
@@ -68,14 +67,6 @@ Json Parse(std::string_view line) {
   }
 }
 
-std::string DecodeBase64(const std::string& text, const std::string& owner) {
-  std::string bytes = Base64Encoder().Base64Decode(text);
-  if (bytes.empty() && text.find_first_not_of(" \t\r\n") != std::string::npos) {
-    Fail(Quoted(owner) + " holds broken base64");
-  }
-  return bytes;
-}
-
 // The members of one line. Values are taken out of it.
 class Line {
  public:
@@ -91,6 +82,17 @@ class Line {
   unsigned long Id() const { return Number(m_Json[m_Key], m_Key); }
 
   bool Has(const char* key) const { return m_Json.contains(key); }
+
+  // What is legal in what has been read, but hardly meant.
+  const std::string& Hint() const { return m_Hint; }
+
+  // The text that is to be XML.
+  std::string Xml() {
+    std::string xml = Text("xml");
+    if (!standin::IsXml(xml))
+      m_Hint = R"("xml" is not well-formed: it is no document and no command)";
+    return xml;
+  }
 
   // Empty when the line has none.
   std::string Text(const char* key) { return Has(key) ? Text(key, m_Json[key]) : std::string(); }
@@ -139,10 +141,11 @@ class Line {
 
  private:
   static unsigned long Number(const Json& value, const std::string& name) {
-    if (!value.is_number_unsigned()) {
-      Fail(Quoted(name) + " must be an integer from 0 to 18446744073709551615");
+    const auto* number = value.get_ptr<const Json::number_unsigned_t*>();
+    if (!number || *number > ULONG_MAX) {
+      Fail(Quoted(name) + " must be an integer from 0 to " + std::to_string(ULONG_MAX));
     }
-    return value.get<unsigned long>();
+    return static_cast<unsigned long>(*number);
   }
 
   // Empty when the line has none.
@@ -156,7 +159,11 @@ class Line {
     if (value.is_string()) return std::move(value.get_ref<std::string&>());
     if (value.is_object() && value.size() == 1 && value.front().is_string()) {
       const auto& text = value.front().get_ref<const std::string&>();
-      if (value.contains("bytes")) return DecodeBase64(text, name);
+      if (value.contains("bytes")) {
+        auto bytes = DecodeBase64(text);
+        if (!bytes) Fail(Quoted(name) + " holds broken base64");
+        return *std::move(bytes);
+      }
       if (value.contains("base64_of_file")) return EncodeBase64(ReadFile(m_Folder / text));
     }
     Fail(Quoted(name) + R"( must be a string, {"bytes": BASE64} or {"base64_of_file": PATH})");
@@ -166,34 +173,34 @@ class Line {
   Json m_None = Json::object();
   const char* m_Key;
   const std::filesystem::path& m_Folder;
+  std::string m_Hint;
 };
 
-tq::auto_com<IBindMessage> ReadNotification(Line& line) {
-  const std::string name = line.Name();
-  if (!line.Has("xml")) return standin::MakeNotification(name, line.TextParams());
+Notify ReadNotification(Line& line) {
+  std::string name = line.Name();
+  if (!line.Has("xml")) return {name, standin::MakeNotification(name, line.TextParams())};
   if (line.Has("params")) Fail(R"("params" and "xml" exclude each other)");
-  return standin::MakeNotificationFromXml(name, line.Text("xml"));
+  return {name, standin::MakeNotificationFromXml(name, line.Xml())};
 }
 
-tq::auto_com<ICmdMessage> ReadCommand(Line& line) {
-  const std::string name = line.Name();
-  return standin::MakeCommand(name, line.TypedParams());
+template <class Command>
+Command ReadCommand(Line& line) {
+  std::string name = line.Name();
+  return {name, standin::MakeCommand(name, line.TypedParams())};
 }
 
 using Call = decltype(Step::call);
 
 struct Kind {
   const char* key;
-  std::array<std::string_view, 2> with;
+  std::array<const char*, 2> with;  // null where there is none
   Call (*read)(Line& line);
 };
 
 const Kind s_Kinds[] = {
-    {"notify",
-     {"params", "xml"},
-     [](Line& line) -> Call { return Notify{ReadNotification(line)}; }},
-    {"command", {"params"}, [](Line& line) -> Call { return Execute{ReadCommand(line)}; }},
-    {"request", {"params"}, [](Line& line) -> Call { return Request{ReadCommand(line)}; }},
+    {"notify", {"params", "xml"}, [](Line& line) -> Call { return ReadNotification(line); }},
+    {"command", {"params"}, [](Line& line) -> Call { return ReadCommand<Execute>(line); }},
+    {"request", {"params"}, [](Line& line) -> Call { return ReadCommand<Request>(line); }},
     {"bind",
      {"class", "capabilities"},
      [](Line& line) -> Call {
@@ -213,6 +220,23 @@ const Kind s_Kinds[] = {
      }},
 };
 
+std::string KindNames() {
+  std::string names;
+  for (const Kind& kind : s_Kinds) names += (names.empty() ? "" : ", ") + std::string(kind.key);
+  return names;
+}
+
+// Fails with the key that was perhaps meant.
+[[noreturn]] void FailWithoutKind(const Json& json) {
+  std::vector<std::string> keys;
+  for (const Kind& kind : s_Kinds) keys.emplace_back(kind.key);
+  for (const auto& member : json.items()) {
+    const std::string meant = DidYouMean(member.key(), keys);
+    if (!meant.empty()) Fail("unknown key " + Quoted(member.key()) + meant);
+  }
+  Fail("none of " + KindNames());
+}
+
 const Kind& FindKind(const Json& json) {
   const Kind* found = nullptr;
   for (const Kind& kind : s_Kinds) {
@@ -220,31 +244,55 @@ const Kind& FindKind(const Json& json) {
     if (found) Fail(Quoted(found->key) + " and " + Quoted(kind.key) + " exclude each other");
     found = &kind;
   }
-  if (!found) Fail("none of notify, command, request, bind, unbind, rooms, persist");
+  if (!found) FailWithoutKind(json);
   return *found;
 }
 
 void CheckKeys(const Json& json, const Kind& kind) {
-  for (const auto& member : json.items()) {
-    const std::string& key = member.key();
-    const bool known = std::find(kind.with.begin(), kind.with.end(), key) != kind.with.end();
-    if (key != kind.key && (key.empty() || !known)) {
-      Fail("unknown key " + Quoted(key) + " beside " + Quoted(kind.key));
-    }
+  std::vector<std::string> known = {kind.key, "at"};
+  for (const char* key : kind.with) {
+    if (key) known.emplace_back(key);
   }
+  for (const auto& member : json.items()) {
+    if (std::find(known.begin(), known.end(), member.key()) != known.end()) continue;
+    Fail("unknown key " + Quoted(member.key()) + " beside " + Quoted(kind.key) +
+         DidYouMean(member.key(), known));
+  }
+}
+
+// "notify NEW_LIST", "bind 5001"; a kind without a name stands alone.
+std::string Title(const Json& json, const char* key) {
+  const Json& value = json.at(key);
+  if (value.is_string())
+    return std::string(key) + ' ' + Legible(value.get_ref<const std::string&>(), 60);
+  return value.is_number() ? std::string(key) + ' ' + value.dump() : key;
+}
+
+std::optional<double> Seconds(const Json& json) {
+  const auto at = json.find("at");
+  if (at == json.end()) return std::nullopt;
+  if (!at->is_number() || !(at->get<double>() >= 0) || !std::isfinite(at->get<double>())) {
+    Fail(R"("at" must be a number of seconds from 0)");
+  }
+  return at->get<double>();
 }
 
 }  // namespace
 
-Step ReadStep(std::string_view line, const std::filesystem::path& folder) {
-  Json json = Parse(line);
+Step ReadStep(const LineSplitter::Line& line, const std::filesystem::path& folder) {
+  if (line.tooLong) Fail("longer than 64 MiB");
+  Json json = Parse(line.text);
   if (!json.is_object()) Fail("not a JSON object");
   const Kind& kind = FindKind(json);
   CheckKeys(json, kind);
   Step step;
-  step.title = StepTitle(kind.key, json);
+  step.title = Title(json, kind.key);
+  step.text = line.text;
+  step.line = line.number;
+  step.at = Seconds(json);
   Line members(json, kind.key, folder);
   step.call = kind.read(members);
+  step.hint = members.Hint();
   return step;
 }
 

@@ -2,6 +2,10 @@
 
 #include "driverhost/Legible.h"
 
+#include <nlohmann/json.hpp>
+
+#include <cstddef>
+
 namespace driverhost {
 
 namespace {
@@ -9,42 +13,59 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr std::size_t s_LongestValue = 32;
-constexpr std::size_t s_LongestTitle = 100;
+constexpr std::size_t s_LongestTitle = 400;
 
-std::string ValueText(const Json& value) {
-  if (value.is_string()) return Legible(value.get_ref<const std::string&>(), s_LongestValue);
-  if (value.is_object() && value.size() == 1) {
-    return value.begin().key() + ':' + ValueText(value.front());
-  }
-  return value.is_structured() ? "..." : value.dump();
-}
+class Title {
+ public:
+  explicit Title(bool whole) : m_Whole(whole) {}
 
-void AppendMembers(std::string& title, const Json& members) {
-  for (const auto& member : members.items()) {
-    if (title.size() > s_LongestTitle) {
-      title += " ...";
-      return;
+  // The first member is the kind with its name: a line has it first, whatever the order in it.
+  std::string Of(const Json& line) {
+    std::string rest;
+    for (const auto& [key, value] : line.items()) {
+      if (key == "at") continue;
+      if (value.is_object()) {
+        rest += ' ' + Members(value);
+        if (key == "rooms") m_Head = key;
+      } else if (key == "xml" || key == "class") {
+        rest += "  " + key + '=' + Value(value);
+      } else {
+        m_Head = value.is_boolean() ? key : key + ' ' + Value(value);
+      }
     }
-    title += ' ' + Legible(member.key(), s_LongestValue) + '=' + ValueText(member.value());
+    return m_Head + rest;
   }
-}
+
+ private:
+  std::string Shown(const std::string& text) const {
+    return Legible(text, m_Whole ? text.size() * 4 : s_LongestValue);
+  }
+
+  std::string Value(const Json& value) const {
+    if (value.is_string()) return Shown(value.get_ref<const std::string&>());
+    if (value.is_object() && value.size() == 1) {
+      return value.begin().key() + ':' + Value(value.front());
+    }
+    return value.is_structured() ? "..." : value.dump();
+  }
+
+  std::string Members(const Json& members) const {
+    std::string text;
+    for (const auto& [key, value] : members.items()) {
+      if (!m_Whole && text.size() > s_LongestTitle) return text + " ...";
+      text += ' ' + Shown(key) + '=' + Value(value);
+    }
+    return text;
+  }
+
+  const bool m_Whole;
+  std::string m_Head;
+};
 
 }  // namespace
 
-std::string StepTitle(const std::string& kind, const Json& line) {
-  std::string title = kind;
-  for (const auto& member : line.items()) {
-    const Json& value = member.value();
-    if (member.key() == "xml" || member.key() == "class") {
-      title += "  " + member.key() + '=' + ValueText(value);
-    } else if (value.is_object()) {
-      title += ' ';
-      AppendMembers(title, value);
-    } else if (member.key() == kind) {
-      title.insert(kind.size(), ' ' + ValueText(value));
-    }
-  }
-  return title;
+std::string StepTitle(std::string_view line, bool whole) {
+  return Title(whole).Of(Json::parse(line));
 }
 
 }  // namespace driverhost

@@ -1,13 +1,12 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
-
 #include <string>
+#include <string_view>
 
 namespace driverhost {
 
-// How a session's line is shown above its traffic: "notify NAME  parameter=value ...", legible and
-// shortened. `kind` is the line's main key; the rest of the line may be wrong.
-std::string StepTitle(const std::string& kind, const nlohmann::ordered_json& line);
+// A session's line as it is shown above its traffic: "notify NAME  parameter=value ...", legible;
+// long values are shortened unless `whole`. Requires: the line has been read as a step.
+std::string StepTitle(std::string_view line, bool whole);
 
 }  // namespace driverhost

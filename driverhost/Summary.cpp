@@ -1,5 +1,6 @@
 #include "driverhost/Summary.h"
 
+#include "driverhost/Count.h"
 #include "driverhost/FileContent.h"
 
 #include <cstdio>
@@ -18,22 +19,22 @@ std::string StatusField(const std::string& status, const std::string& name) {
 
 }  // namespace
 
-std::string SummaryText(const Figures& figures) {
-  const Traffic::Counts& traffic = figures.traffic;
-  char text[240];
-  std::snprintf(text, sizeof text,
-                "%lu lines, %lu messages, %zu documents, %zu events, %zu files written, %.3f s, "
-                "%.0f messages/s\n",
-                figures.lines, figures.messages, traffic.documents, traffic.events, traffic.files,
-                figures.seconds, static_cast<double>(figures.messages) / figures.seconds);
-  return text;
+std::string SummaryText(unsigned long lines, const Life& life, const Traffic& traffic,
+                        double seconds) {
+  char speed[80];
+  std::snprintf(speed, sizeof speed, "%.3f s, %.0f messages/s\n", seconds,
+                static_cast<double>(life.Messages()) / seconds);
+  return Count(lines, "line") + ", " + Count(life.Messages(), "message") + ", " +
+         Count(traffic.Count(Record::To::Ui), "document") + ", " +
+         Count(traffic.Count(Record::To::Event), "event") + ", " +
+         Count(traffic.Count(Record::To::File), "file") + " written, " + speed;
 }
 
-std::string MemoryText(const Figures& figures) {
+std::string MemoryText(const Life& life) {
   const std::string status = ReadFile("/proc/self/status");
   return "resident memory " + StatusField(status, "VmHWM") + " at its peak, " +
-         StatusField(status, "VmRSS") + " at the end; " + std::to_string(figures.objectsHeld) +
-         " objects held after the last line\n";
+         StatusField(status, "VmRSS") + " at the end; " + Count(life.ObjectsHeld(), "object") +
+         " held after the last line\n";
 }
 
 }  // namespace driverhost

@@ -1,46 +1,68 @@
 #pragma once
 
+#include "driverhost/Record.h"
+#include "driverhost/Step.h"
 #include "standin/Observer.h"
 
+#include <array>
 #include <cstddef>
 #include <string>
+#include <vector>
 
 namespace driverhost {
 
-// Counts what comes out of the driver. By itself it shows nothing.
-class Traffic : public standin::Observer {
+// Hears the traffic of a driver. Everything is borrowed for the call.
+class TrafficSink {
  public:
-  struct Counts {
-    std::size_t documents = 0;
-    std::size_t events = 0;
-    std::size_t files = 0;
-  };
-
-  const Counts& Counted() const { return m_Counts; }
+  virtual ~TrafficSink() = default;
 
   // What comes from now on belongs to this step.
-  virtual void BeginStep(unsigned long, const std::string& /*title*/) {}
+  virtual void OnStep(unsigned long /*number*/, const Step&) {}
 
-  // The driver has written a file.
-  virtual void OnFile(const std::string&) { ++m_Counts.files; }
+  // The step is over: its files are written and closed.
+  virtual void OnStepEnd() {}
 
-  void OnVariable(Change, unsigned long, const std::string&, const std::string&) override {}
-  void OnEvent(unsigned long) override { ++m_Counts.events; }
-  void OnUi(const std::string&) override { ++m_Counts.documents; }
-  void OnRooms(const std::string&, const standin::Params&) override {}
-  void OnDevice(unsigned long, const std::string&, const standin::Params&,
-                const ICmdReturn*) override {}
-  void OnAnswer(const std::string&, const std::string*) override {}
-  void OnState(const std::string*) override {}
-  void OnLog(unsigned int, const std::string&) override {}
+  virtual void OnRecord(const Record&) {}
 
- protected:
-  static const char* ChangeText(Change change) {
-    return change == Change::Added ? "added" : change == Change::Changed ? "changed" : "removed";
-  }
+  // The handler of a notification has read a parameter, which the message may lack.
+  virtual void OnRead(const std::string& /*parameter*/, bool /*has*/) {}
+};
+
+// Makes records of what comes out of a driver, counts them and hands them to its sinks, in the
+// order in which these were added.
+class Traffic : public standin::Observer {
+ public:
+  // `sink` is borrowed and outlives the traffic.
+  void Add(TrafficSink& sink) { m_Sinks.push_back(&sink); }
+
+  // How many records of a kind there were, and of all kinds.
+  std::size_t Count(Record::To to) const { return m_Counts.at(static_cast<std::size_t>(to)); }
+  std::size_t Total() const;
+
+  void BeginStep(unsigned long number, const Step& step);
+  void EndStep();
+
+  // The driver has written a file: its path below `imageRoot`.
+  void OnFile(const std::string& imageRoot, const std::string& path);
+
+  void OnVariable(Change change, unsigned long id, const std::string& name,
+                  const std::string& value) override;
+  void OnEvent(unsigned long id) override;
+  void OnUi(const std::string& xml) override;
+  void OnRooms(const std::string& command, const standin::Params& params) override;
+  void OnDevice(unsigned long binding, const std::string& command, const standin::Params& params,
+                const ICmdReturn* ret) override;
+  void OnAnswer(const std::string& request, const std::string* xml) override;
+  void OnState(const std::string* xml) override;
+  void OnLog(unsigned int level, const std::string& text) override;
+  void OnRead(const std::string& notification, const std::string& parameter, Accessor accessor,
+              const std::string* value) override;
 
  private:
-  Counts m_Counts;
+  void Send(const Record& record);
+
+  std::vector<TrafficSink*> m_Sinks;
+  std::array<std::size_t, Record::s_Kinds> m_Counts{};
 };
 
 }  // namespace driverhost

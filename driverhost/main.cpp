@@ -1,112 +1,101 @@
+#include "driverhost/CallGuard.h"
+#include "driverhost/Check.h"
+#include "driverhost/CommandLine.h"
+#include "driverhost/Hints.h"
 #include "driverhost/ImageRoot.h"
 #include "driverhost/Interrupt.h"
-#include "driverhost/JsonTraffic.h"
 #include "driverhost/Legible.h"
-#include "driverhost/Number.h"
+#include "driverhost/Life.h"
 #include "driverhost/Output.h"
+#include "driverhost/Printers.h"
+#include "driverhost/Progress.h"
 #include "driverhost/Replay.h"
 #include "driverhost/Session.h"
 #include "driverhost/Summary.h"
-#include "driverhost/TextTraffic.h"
+#include "driverhost/Terminal.h"
 #include "driverhost/Traffic.h"
-#include "standin/Plugin.h"
-
-#include <CLI/CLI.hpp>
+#include "driverhost/Verdict.h"
 
 #include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <climits>
+#include <chrono>
+#include <clocale>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
+#include <cstring>
+#include <ctime>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 #include <string>
 
 namespace {
 
 using namespace driverhost;
+using Clock = std::chrono::steady_clock;
 
-struct CommandLine {
-  std::string driver;
-  std::string session;
-  ReplayOptions replay;
-  bool json = false;
-  bool quiet = false;
-};
-
-std::string FromProgram(const char* path) {
-  const auto program = std::filesystem::read_symlink("/proc/self/exe");
-  return (program.parent_path() / path).lexically_normal();
+std::unique_ptr<TrafficSink> MakePrinter(const CommandLine& line, Output& output) {
+  if (line.asCase) return std::make_unique<CasePrinter>(output);
+  if (line.json && !line.quiet) return std::make_unique<JsonPrinter>(output);
+  if (line.quiet && isatty(STDERR_FILENO) == 1) return std::make_unique<Progress>();
+  if (line.quiet) return std::make_unique<TrafficSink>();
+  const TextPrinter::Style style{line.full ? 0 : TerminalColumns(), TakesColours()};
+  return std::make_unique<TextPrinter>(output, style);
 }
 
-void AddNumber(CLI::App& app, const std::string& name, unsigned long& number, unsigned long least,
-               const std::string& help) {
-  const auto read = [name, least, &number](const std::string& text) {
-    const auto value = ReadNumber(text);
-    if (!value || *value < least) {
-      throw CLI::ValidationError(name, "must be an integer from " + std::to_string(least) + " to " +
-                                           std::to_string(ULONG_MAX));
-    }
-    number = *value;
-  };
-  app.add_option_function<std::string>(name, read, help)->type_name("N");
+// The clock is the system's monotonic one, which a signal interrupts.
+void SleepUntil(Clock::time_point time) {
+  using namespace std::chrono;
+  const auto since = duration_cast<nanoseconds>(time.time_since_epoch()).count();
+  const timespec until{static_cast<time_t>(since / 1000000000),
+                       static_cast<long>(since % 1000000000)};
+  while (Interrupted() == 0 &&
+         clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &until, nullptr) == EINTR) {
+  }
 }
 
-void Describe(CLI::App& app, CommandLine& line) {
-  static const CLI::Validator notEmpty(
-      [](const std::string& text) { return std::string(text.empty() ? "must not be empty" : ""); },
-      "");
-  const std::string version = "driverhost " DRIVERHOST_VERSION;
-  app.require_subcommand(1);
-  app.set_version_flag("--version", version);
-  CLI::App& replay = *app.add_subcommand("replay", "Replay a session into a driver plug-in");
-  replay.set_version_flag("--version", version);
-  replay
-      .add_option("SESSION", line.session,
-                  "A session file, - for standard input [the demonstration]")
-      ->type_name("");
-  replay.add_option("--driver", line.driver, "The plug-in to load [the one that came along]")
-      ->type_name("FILE")
-      ->check(notEmpty);
-  replay
-      .add_option("--image-root", line.replay.imageRoot,
-                  "The directory below which pictures are written [a new temporary one]")
-      ->type_name("DIR")
-      ->check(notEmpty);
-  AddNumber(replay, "--id", line.replay.id, 0, "The driver's id [1]");
-  replay.add_flag("--json", line.json, "Show the traffic as one JSON object a line");
-  replay.add_flag("--quiet", line.quiet, "Count the traffic, do not show it");
-  AddNumber(replay, "--repeat", line.replay.repeat, 1,
-            "Replay the session N times into the same driver [1]");
+// Who closes the pipe has seen enough; that is no failure.
+void CheckOutput(const Output& output, Verdict& verdict) {
+  const int error = output.Error();
+  if (error == 0 || error == EPIPE) return;
+  verdict.Fail(s_Failed,
+               std::string("driverhost: cannot write to standard output: ") + std::strerror(error));
 }
 
-std::unique_ptr<Traffic> MakeTraffic(const CommandLine& line, Output& output) {
-  if (line.quiet) return std::make_unique<Traffic>();
-  if (line.json) return std::make_unique<JsonTraffic>(output);
-  const char* noColour = std::getenv("NO_COLOR");
-  const bool coloured = isatty(STDOUT_FILENO) == 1 && (!noColour || !*noColour);
-  return std::make_unique<TextTraffic>(output, coloured);
-}
-
-int RunReplay(CommandLine& line) {
+int RunReplay(const CommandLine& line) {
   Session session(line.session);
-  const standin::Plugin plugin(line.driver);
-  line.replay.imageRoot = MakeImageRoot(line.replay.imageRoot);
   Output output;
-  const std::unique_ptr<Traffic> traffic = MakeTraffic(line, output);
-  Replay replay(line.replay, plugin, session, *traffic, output);
-  const int status = replay.Run();
-  if (output.Error() == EPIPE) return status;
-  std::string closing = SummaryText(replay.Totals());
-  if (line.replay.repeat > 1) closing += MemoryText(replay.Totals());
-  closing += "pictures below " + line.replay.imageRoot + '\n';
+  CallGuard::Install(output, line.timeout);
+  const standin::Plugin plugin(line.driver);
+  const ImageRoot imageRoot(line.imageRoot);
+  Verdict verdict(output);
+  Traffic traffic;
+  const LifeOptions options{imageRoot.Path(), line.id};
+  Life life(options, plugin, traffic, output, verdict);
+  std::unique_ptr<TrafficSink> printer = MakePrinter(line, output);
+  traffic.Add(*printer);
+  Hints hints(life, output);
+  traffic.Add(hints);
+
+  const auto comment = [&](std::string_view text) {
+    if (line.asCase) output.Write(std::string(text) + '\n');
+  };
+  Replay replay(line.replay, session, life, output, verdict, &SleepUntil, comment);
+  const auto began = Clock::now();
+  replay.Run();
+  const double seconds = std::chrono::duration<double>(Clock::now() - began).count();
+  printer.reset();
+
+  CheckOutput(output, verdict);
+  if (line.strict && hints.Serious()) verdict.Fail(s_Failed, "driverhost: there were hints");
+  if (output.Error() == EPIPE) return verdict.Status();
+  std::string closing = Interrupted() != 0 ? "interrupted: " : "";
+  closing += SummaryText(replay.Lines(), life, traffic, seconds);
+  if (line.replay.repeat > 1) closing += MemoryText(life);
+  if (imageRoot.Keep()) closing += "pictures below " + imageRoot.Path() + '\n';
   std::fputs(closing.c_str(), stderr);
-  return status;
+  return verdict.Status();
 }
 
 // A file that took the place of a closed standard descriptor would be mixed up with it.
@@ -117,32 +106,30 @@ void OpenStandardDescriptors() {
 }
 
 int Run(int argc, char** argv) {
-  CLI::App app("The bench host for driver plug-ins", "driverhost");
-  CommandLine line;
-  line.driver = FromProgram(DRIVERHOST_PLUGIN);
-  line.session = FromProgram(DRIVERHOST_DEMO);
-  Describe(app, line);
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? s_Ran : s_Wrong;
-  }
+  int status = s_Ran;
+  std::optional<CommandLine> line = ReadCommandLine(argc, argv, status);
+  if (!line) return status;
+  std::setlocale(LC_CTYPE, "C.UTF-8");  // for the widths of characters
   std::signal(SIGPIPE, SIG_IGN);
   CatchInterrupts();
-  return RunReplay(line);
+  if (line->command == Command::Replay) return RunReplay(*line);
+  line->check.coloured = TakesColours();
+  return RunCheck(line->check);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  int status = s_Failed;
   try {
     OpenStandardDescriptors();
-    return Run(argc, argv);
+    status = Run(argc, argv);
   } catch (const SessionError& error) {
     std::fprintf(stderr, "%s\n", error.what());
-    return s_Wrong;
+    status = s_Wrong;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "driverhost: %s\n", Legible(error.what(), 1000).c_str());
-    return s_Failed;
   }
+  if (Interrupted() != 0) EndByInterrupt();
+  return status;
 }

@@ -25,12 +25,15 @@ struct Ended {
 };
 
 // Runs a shell command with driverhost as $D and its largest number as $MOST, in a directory that holds `session`
-// as "s".
+// as "s". "bad COMMAND" checks a case of that command with the driver that misbehaves, then the session as one that
+// expects nothing.
 Ended Shell(const std::string& command, const std::string& session = "") {
   const std::string directory = MakeDirectory() + '/';
   std::ofstream(directory + 's', std::ios::binary) << session;
   const std::string whole = "cd " + directory + " && export TMPDIR=. " PROGRAMS " MOST=" + std::to_string(ULONG_MAX) +
-                            " && (" + command + ") >out 2>err";
+                            " && bad() { echo '{\"command\":\"'$1'\"}' | $D check --driver $BAD --timeout 0.3 - s; }"
+                            " && (" +
+                            command + ") >out 2>err";
   const int status = std::system(whole.c_str());
   Ended ended{WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadFile(directory + "out"), ReadFile(directory + "err")};
   fs::remove_all(directory);
@@ -44,63 +47,12 @@ Json Lines(const std::string& text) {
   return lines;
 }
 
-// With each document in canonical form.
-Json WithTrees(Json value) {
-  if (value.is_string() && value.get<std::string>().rfind('<', 0) == 0) return Canonical(value);
-  for (auto& inner : value) {
-    if (value.is_structured()) inner = WithTrees(inner);
-  }
-  return value;
-}
-
 }  // namespace
-
-// Each file of cases holds session lines, each followed by the traffic that it causes; a comment
-// begins a case, which has a driver of its own.
-TEST(Driverhost, SendsWhatEachCaseSays) {
-  std::size_t cases = 0;
-  for (const auto& file : fs::directory_iterator(DATA "/cases")) {
-    std::istringstream lines(ReadFile(file.path()));
-    std::string what;
-    std::string session;
-    Json expected = Json::array();
-    int step = 0;
-    const auto finish = [&] {
-      if (what.empty()) return;
-      ++cases;
-      const Ended ended = Shell("$D replay --json --id 7 - <s", session);
-      EXPECT_EQ(ended.status, 0) << ended.error;
-      Json came = Lines(ended.out);
-      came.erase(came.begin(), came.begin() + 2);
-      came.erase(came.end() - 2, came.end());
-      EXPECT_EQ(WithTrees(came), WithTrees(expected)) << file.path() << ": " << what;
-    };
-    for (std::string line; std::getline(lines, line);) {
-      if (line[0] == '#') {
-        finish();
-        what = line;
-        session.clear();
-        expected.clear();
-        step = 0;
-      } else if (line.rfind("{\"to\":", 0) == 0) {
-        expected.push_back(Json::parse("{\"step\":" + std::to_string(step) + ',' + line.substr(1)));
-      } else {
-        session += line + '\n';
-        ++step;
-      }
-    }
-    finish();
-  }
-  EXPECT_GT(cases, 50U);
-}
 
 TEST(Driverhost, PlaysARecordedEveningAsItDidBefore) {
   const Ended ended = Shell("$D replay --json " SESSIONS "/evening.ndjson");
   EXPECT_EQ(ended.status, 0) << ended.error;
-  const Json expected = Lines(ReadFile(DATA "/golden/evening.ndjson"));
-  const Json came = Lines(ended.out);
-  ASSERT_EQ(came.size(), expected.size());
-  for (std::size_t i = 0; i < came.size(); ++i) EXPECT_EQ(WithTrees(came[i]), WithTrees(expected[i]));
+  EXPECT_EQ(ended.out, ReadFile(DATA "/golden/evening.ndjson"));
 }
 
 TEST(Driverhost, WritesPicturesThatDecode) {

@@ -1,0 +1,173 @@
+#include "driverhost/CommandLine.h"
+
+#include "driverhost/NearestWord.h"
+#include "driverhost/Number.h"
+#include "driverhost/Verdict.h"
+
+#include <CLI/CLI.hpp>
+
+#include <climits>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <utility>
+#include <vector>
+
+namespace driverhost {
+
+namespace {
+
+constexpr char s_Statuses[] =
+    R"(Exit status: 0 it ran; 1 the driver failed; 2 the command line or the session is
+wrong; 130 interrupted. NO_COLOR in the environment turns colours off.)";
+
+constexpr char s_ReplayExamples[] = R"(Examples:
+  driverhost replay                          plays the demonstration
+  driverhost replay --json evening.ndjson    one JSON object a line
+  driverhost replay --case evening.ndjson    makes a case for "check"
+)";
+
+constexpr char s_CheckExamples[] = R"(Examples:
+  driverhost check cases/*.ndjson
+  driverhost check --driver new.so --coverage cases/*.ndjson
+  driverhost replay --case --driver old.so s | driverhost check --driver new.so -
+)";
+
+// The widest option; descriptions begin behind it, and no line is longer than 80 columns.
+constexpr std::size_t s_OptionColumns = 23;
+
+std::string FromProgram(const char* path) {
+  const auto program = std::filesystem::read_symlink("/proc/self/exe");
+  return (program.parent_path() / path).lexically_normal();
+}
+
+const CLI::Validator s_NotEmpty(
+    [](const std::string& text) { return std::string(text.empty() ? "must not be empty" : ""); },
+    "");
+
+void AddText(CLI::App& app, const std::string& name, std::string& text, const char* type,
+             const std::string& help) {
+  app.add_option(name, text, help)->type_name(type)->check(s_NotEmpty);
+}
+
+void AddInteger(CLI::App& app, const std::string& name, unsigned long& number, unsigned long least,
+                const std::string& help) {
+  const auto read = [name, least, &number](const std::string& text) {
+    const auto value = ReadNumber(text);
+    if (!value || *value < least) {
+      throw CLI::ValidationError(name, "must be an integer from " + std::to_string(least) + " to " +
+                                           std::to_string(ULONG_MAX));
+    }
+    number = *value;
+  };
+  app.add_option_function<std::string>(name, read, help)->type_name("N");
+}
+
+void AddDecimal(CLI::App& app, const std::string& name, double& number, const char* type,
+                const std::string& help) {
+  constexpr double most = 1e6;
+  const auto read = [name, &number](const double& value) {
+    if (!(value >= 0 && value <= most)) {
+      throw CLI::ValidationError(name, "must be a number from 0 to 1000000");
+    }
+    number = value;
+  };
+  app.add_option_function<double>(name, read, help)->type_name(type);
+}
+
+// What all commands take.
+void DescribeCommon(CLI::App& app, CommandLine& line, const char* examples) {
+  AddText(app, "--driver", line.driver, "FILE", "The plug-in to load [the one that came along]");
+  AddDecimal(app, "--timeout", line.timeout, "S", "Seconds for a call into it, 0: for ever [10]");
+  app.add_flag("--json", line.json, "One JSON object a line");
+  app.add_flag("--quiet", line.quiet, "Do not show what is as it should be");
+  app.add_flag("--strict", line.strict, "A hint is a failure");
+  app.footer(examples + std::string("\n") + s_Statuses);
+  app.get_formatter()->column_width(s_OptionColumns);
+}
+
+void DescribeReplay(CLI::App& app, CommandLine& line) {
+  app.add_option("SESSION", line.session,
+                 "A session file, - for standard input [the demonstration]")
+      ->type_name("");
+  DescribeCommon(app, line, s_ReplayExamples);
+  AddText(app, "--image-root", line.imageRoot, "DIR",
+          "Where pictures are written [a temporary one]");
+  AddInteger(app, "--id", line.id, 0, "The driver's id [1]");
+  auto* asCase = app.add_flag("--case", line.asCase, "Each line, its traffic behind it");
+  asCase->excludes("--json")->excludes("--quiet");
+  app.add_flag("--full", line.full, "Whole values, documents indented");
+  AddInteger(app, "--repeat", line.replay.repeat, 1, "Play it N times into the same driver [1]");
+  AddDecimal(app, "--pace", line.replay.pace, "X",
+             "Keep the lines' times, X times as fast [as it goes]");
+}
+
+void DescribeCheck(CLI::App& app, CommandLine& line) {
+  app.add_option("CASE", line.check.cases, "Case files, - for standard input")
+      ->type_name("...")
+      ->required();
+  DescribeCommon(app, line, s_CheckExamples);
+  app.add_flag("--update", line.check.update, "Write what comes into the cases");
+  app.add_flag("--coverage", line.check.coverage, "What the cases delivered of what is registered");
+}
+
+struct Subcommand {
+  const char* name;
+  Command command;
+  const char* help;
+  void (*describe)(CLI::App&, CommandLine&);
+};
+constexpr Subcommand s_Subcommands[] = {
+    {"replay", Command::Replay, "Play a session into a driver", &DescribeReplay},
+    {"check", Command::Check, "Play cases, compare the traffic with theirs", &DescribeCheck},
+};
+
+// A word in the place of a command that is none; empty when there is one.
+std::string UnknownCommand(int argc, char** argv) {
+  if (argc < 2 || argv[1][0] == '-') return {};
+  std::vector<std::string> known;
+  for (const Subcommand& subcommand : s_Subcommands) {
+    if (std::string(subcommand.name) == argv[1]) return {};
+    known.emplace_back(subcommand.name);
+  }
+  return "unknown command \"" + std::string(argv[1]) + '"' + DidYouMean(argv[1], known);
+}
+
+}  // namespace
+
+std::optional<CommandLine> ReadCommandLine(int argc, char** argv, int& status) {
+  CommandLine line;
+  line.driver = FromProgram(DRIVERHOST_PLUGIN);
+  line.session = FromProgram(DRIVERHOST_DEMO);
+  CLI::App app("The bench host for driver plug-ins", "driverhost");
+  app.require_subcommand(1);
+  app.set_version_flag("--version", "driverhost " DRIVERHOST_VERSION);
+  app.footer("driverhost COMMAND --help tells more.");
+  app.get_formatter()->column_width(s_OptionColumns);
+  for (const Subcommand& subcommand : s_Subcommands) {
+    CLI::App& command = *app.add_subcommand(subcommand.name, subcommand.help);
+    command.set_version_flag("--version", "driverhost " DRIVERHOST_VERSION);
+    command.callback([&line, &subcommand] { line.command = subcommand.command; });
+    subcommand.describe(command, line);
+  }
+  const std::string unknown = UnknownCommand(argc, argv);
+  if (!unknown.empty()) {
+    std::fprintf(stderr, "driverhost: %s\n", unknown.c_str());
+    status = s_Wrong;
+    return std::nullopt;
+  }
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    status = app.exit(error) == 0 ? s_Ran : s_Wrong;
+    return std::nullopt;
+  }
+  line.check.driver = line.driver;
+  line.check.timeout = line.timeout;
+  line.check.json = line.json;
+  line.check.quiet = line.quiet;
+  line.check.strict = line.strict;
+  return line;
+}
+
+}  // namespace driverhost

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "driverhost/Check.h"
+#include "driverhost/Replay.h"
+
+#include <optional>
+#include <string>
+
+namespace driverhost {
+
+enum class Command { Replay, Check };
+
+// What the command line asks for.
+struct CommandLine {
+  Command command = Command::Replay;
+  std::string driver;
+  std::string session;
+  std::string imageRoot;  // empty: a temporary one
+  unsigned long id = 1;
+  double timeout = 10;  // seconds for a call into the driver, 0 for ever
+  bool json = false;
+  bool quiet = false;
+  bool asCase = false;
+  bool full = false;
+  bool strict = false;
+  ReplayOptions replay;
+  CheckOptions check;
+};
+
+// Reads the command line. Nothing when the program is to end with `status` instead: help has been
+// written, or an error told.
+std::optional<CommandLine> ReadCommandLine(int argc, char** argv, int& status);
+
+}  // namespace driverhost

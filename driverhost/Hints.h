@@ -1,0 +1,48 @@
+#pragma once
+
+#include "driverhost/Life.h"
+#include "driverhost/Output.h"
+#include "driverhost/Traffic.h"
+
+#include <set>
+#include <string>
+#include <vector>
+
+namespace driverhost {
+
+// Tells on standard error what is legal in a session but hardly meant, once for each name. Knows it
+// from what the driver has registered and what its handlers read.
+class Hints : public TrafficSink {
+ public:
+  // Both are borrowed and outlive the object. `output` is flushed before a hint.
+  Hints(const Life& life, Output& output) : m_Life(life), m_Output(output) {}
+
+  void OnStep(unsigned long number, const Step& step) override;
+  void OnRead(const std::string& parameter, bool has) override;
+  void OnRecord(const Record& record) override;
+  void OnStepEnd() override;
+
+  // Whether there was one that is a failure where hints are to be failures.
+  bool Serious() const { return m_Serious; }
+
+ private:
+  enum class Weight { Light, Serious };
+
+  // `key` is what it is told once for.
+  void Tell(const std::string& key, const std::string& text, Weight weight = Weight::Serious);
+
+  void LookAtName(const std::string& kind, const std::string& name);
+  void LookAtBinding(unsigned long id);
+  void LookAtParameters(const Notify& notify);
+
+  const Life& m_Life;
+  Output& m_Output;
+  const Step* m_Step = nullptr;
+  std::vector<std::string> m_Read;    // by the handler in this step
+  std::vector<std::string> m_Lacked;  // those of them that the message lacks
+  bool m_Explained = false;  // the driver has written a picture, or a line that says what is wrong
+  std::set<std::string> m_Told;
+  bool m_Serious = false;
+};
+
+}  // namespace driverhost

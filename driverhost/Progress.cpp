@@ -1,0 +1,22 @@
+#include "driverhost/Progress.h"
+
+#include <cstdio>
+
+namespace driverhost {
+
+// A line on the way is written over, by the next one or by nothing.
+Progress::~Progress() {
+  if (m_Told) std::fputs("\r\033[K", stderr);
+}
+
+void Progress::OnStep(unsigned long number, const Step&) {
+  if (number % 256 != 0) return;
+  const auto now = Clock::now();
+  if (now < m_Next) return;
+  m_Next = now + std::chrono::milliseconds(500);
+  m_Told = true;
+  std::fprintf(stderr, "\r%lu lines, %.0f s", number,
+               std::chrono::duration<double>(now - m_Began).count());
+}
+
+}  // namespace driverhost
