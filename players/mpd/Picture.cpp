@@ -150,7 +150,10 @@ std::string EncodeJpeg(GdkPixbuf* pixels) {
 }
 
 void Append565(std::string& bytes, const guchar* rgb) {
-  const unsigned value = (rgb[0] >> 3U) << 11U | (rgb[1] >> 2U) << 5U | rgb[2] >> 3U;
+  const unsigned red = rgb[0];
+  const unsigned green = rgb[1];
+  const unsigned blue = rgb[2];
+  const unsigned value = (red >> 3U) << 11U | (green >> 2U) << 5U | blue >> 3U;
   bytes += static_cast<char>(value & 0xFFU);
   bytes += static_cast<char>(value >> 8U);
 }

@@ -23,6 +23,13 @@ struct CommandLine {
 void Describe(CLI::App& app, CommandLine& line) {
   static const std::map<std::string, ArtFormat> formats = {
       {"jpeg", ArtFormat::Jpeg}, {"rgb565", ArtFormat::Rgb565}, {"rgb888", ArtFormat::Rgb888}};
+  const auto readFormat = [&line](const std::string& text) {
+    const auto format = formats.find(text);
+    if (format == formats.end()) {
+      throw CLI::ValidationError("--art", "must be jpeg, rgb565 or rgb888");
+    }
+    line.art.format = format->second;
+  };
   constexpr int largest = 3000;
   constexpr int lastPort = 65535;
   app.set_version_flag("--version", "mpd-player " MPD_PLAYER_VERSION);
@@ -31,9 +38,8 @@ void Describe(CLI::App& app, CommandLine& line) {
   app.add_option("--port", line.port, "[$MPD_PORT, 6600]")
       ->type_name("PORT")
       ->check(CLI::Range(1, lastPort));
-  app.add_option("--art", line.art.format, "jpeg, rgb565 or rgb888 [jpeg]")
-      ->type_name("FORMAT")
-      ->transform(CLI::CheckedTransformer(formats));
+  app.add_option_function<std::string>("--art", readFormat, "jpeg, rgb565 or rgb888 [jpeg]")
+      ->type_name("FORMAT");
   app.add_option("--art-size", line.art.longestSide, "A picture's longest side in pixels [600]")
       ->type_name("N")
       ->check(CLI::Range(1, largest));
