@@ -18,3 +18,8 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 foreach(kind LIBRARY INCLUDE PACKAGE)
   set(CMAKE_FIND_ROOT_PATH_MODE_${kind} ONLY)
 endforeach()
+
+set(ENV{PKG_CONFIG_SYSROOT_DIR} ${CMAKE_SYSROOT})
+file(GLOB pkg_config_dirs ${CMAKE_SYSROOT}/usr/lib/*/pkgconfig)
+list(JOIN pkg_config_dirs : pkg_config_dirs)
+set(ENV{PKG_CONFIG_LIBDIR} ${pkg_config_dirs}:${CMAKE_SYSROOT}/usr/share/pkgconfig)
