@@ -63,10 +63,11 @@ bool Life::Run(unsigned long number, const Step& step, Call call) {
     thrown = Thrown();
   }
   EndStep();
-  if (!thrown) return true;
-  m_Verdict.Fail(s_Failed, "driverhost: the driver threw in step " + std::to_string(number) + ", " +
-                               step.title + ": " + *thrown);
-  return false;
+  const std::string where = "step " + std::to_string(number) + ", " + step.title + ": ";
+  const std::string misuse = m_Traffic.TakeMisuse();
+  if (!misuse.empty()) m_Verdict.Fail(s_Failed, "driverhost: in " + where + misuse);
+  if (thrown) m_Verdict.Fail(s_Failed, "driverhost: the driver threw in " + where + *thrown);
+  return !thrown;
 }
 
 bool Life::Begin() {
@@ -105,15 +106,11 @@ void Life::End(unsigned long number) {
 
 void Life::CheckLedger() {
   const standin::Ledger ledger = standin::GetLedger();
-  const std::pair<std::size_t, const char*> kinds[] = {
-      {ledger.nodes, "node"},
-      {ledger.documents, "document"},
-      {ledger.commandMessages, "command message"},
-      {ledger.bindMessages, "bind message"},
-  };
   std::string held;
-  for (const auto& [count, kind] : kinds) {
-    if (count > 0) held += (held.empty() ? "" : ", ") + Count(count, kind);
+  for (const auto kind : {&standin::Ledger::nodes, &standin::Ledger::documents,
+                          &standin::Ledger::commandMessages, &standin::Ledger::bindMessages}) {
+    if (ledger.*kind == 0) continue;
+    held += (held.empty() ? "" : ", ") + Count(ledger.*kind, standin::NameOf(kind));
   }
   if (held.empty()) return;
   m_Verdict.Fail(s_Failed, "driverhost: still held after the driver's destruction: " + held);

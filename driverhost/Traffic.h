@@ -7,6 +7,7 @@
 #include <array>
 #include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace driverhost {
@@ -45,6 +46,9 @@ class Traffic : public standin::Observer {
   // The driver has written a file: its path below `imageRoot`.
   void OnFile(const std::string& imageRoot, const std::string& path);
 
+  // What the driver has done that no driver may, since the last call; mostly empty.
+  std::string TakeMisuse() { return std::exchange(m_Misuse, {}); }
+
   void OnVariable(Change change, unsigned long id, const std::string& name,
                   const std::string& value) override;
   void OnEvent(unsigned long id) override;
@@ -55,6 +59,7 @@ class Traffic : public standin::Observer {
   void OnAnswer(const std::string& request, const std::string* xml) override;
   void OnState(const std::string* xml) override;
   void OnLog(unsigned int level, const std::string& text) override;
+  void OnMisuse(const std::string& what) override { m_Misuse = what; }
   void OnRead(const std::string& notification, const std::string& parameter, Accessor accessor,
               const std::string* value) override;
 
@@ -62,6 +67,7 @@ class Traffic : public standin::Observer {
   void Send(const Record& record);
 
   std::vector<TrafficSink*> m_Sinks;
+  std::string m_Misuse;
   std::array<std::size_t, Record::s_Kinds> m_Counts{};
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "standin/Ledger.h"
+#include "standin/Remains.h"
 
 #include <cstddef>
 
@@ -10,26 +11,45 @@ namespace standin {
 extern Ledger s_Ledger;
 
 // The reference count of a host object, which starts with its maker's reference, and its entry in
-// the ledger.
+// the ledger. A use after the last reference is told while the remains are there.
 template <class Object, class Interface>
-class Counted : public Interface {
+class Counted : public Interface, private Remains {
  public:
   Counted(const Counted&) = delete;
   Counted& operator=(const Counted&) = delete;
 
-  unsigned long AddRef() override { return ++m_References; }
+  unsigned long AddRef() override {
+    if (m_References == 0) ReportDeadUse(m_Kind);
+    return ++m_References;
+  }
 
   unsigned long Release() override {
+    if (m_References == 0) {
+      ReportDeadUse(m_Kind);
+      return 0;
+    }
     const unsigned long left = --m_References;
-    if (left == 0) delete static_cast<Object*>(this);
+    if (left == 0) {
+      --(s_Ledger.*m_Kind);
+      Bury(*this);
+    }
     return left;
   }
 
  protected:
-  explicit Counted(std::size_t Ledger::*kind) : m_Kind(kind) { ++(s_Ledger.*m_Kind); }
-  ~Counted() { --(s_Ledger.*m_Kind); }
+  explicit Counted(std::size_t Ledger::*kind) : Remains(&Destroy), m_Kind(kind) {
+    ++(s_Ledger.*m_Kind);
+  }
+  // Of an object whose construction fails, too.
+  ~Counted() {
+    if (m_References > 0) --(s_Ledger.*m_Kind);
+  }
 
  private:
+  static void Destroy(Remains* remains) {
+    delete static_cast<Object*>(static_cast<Counted*>(remains));
+  }
+
   std::size_t Ledger::*const m_Kind;
   unsigned long m_References = 1;
 };

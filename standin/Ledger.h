@@ -18,4 +18,7 @@ struct Ledger {
 };
 HOST_API Ledger GetLedger();
 
+// "node", "document", "command message", "bind message".
+HOST_API const char* NameOf(std::size_t Ledger::*kind);
+
 }  // namespace standin

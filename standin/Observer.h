@@ -33,6 +33,10 @@ class HOST_API Observer {
   virtual void OnState(const std::string* xml) = 0;
   virtual void OnLog(unsigned int level, const std::string& text) = 0;
 
+  // The driver has done what no driver may; `what` says it: "a node was used ... after its last
+  // reference". Does nothing unless overridden.
+  virtual void OnMisuse(const std::string& what);
+
   // The driver reads a parameter of a notification with GetParamText or GetParamValue. `value` is
   // null when the notification has no such parameter. Does nothing unless overridden.
   virtual void OnRead(const std::string& notification, const std::string& parameter,

@@ -15,7 +15,14 @@ thread_local Services* s_Current = nullptr;
 
 Services::Scope::Scope(Services& services) : m_Previous(std::exchange(s_Current, &services)) {}
 
-Services::Scope::~Scope() { s_Current = m_Previous; }
+Services::Scope::~Scope() {
+  Services& services = *std::exchange(s_Current, m_Previous);
+  if (m_Previous) return;
+  while (Remains* remains = services.dead) {
+    services.dead = remains->next;
+    remains->destroy(remains);
+  }
+}
 
 Services::Services(Observer& sink, std::optional<std::string> root)
     : observer(sink), m_ImageRoot(std::move(root)) {}

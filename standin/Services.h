@@ -5,6 +5,7 @@
 #include "host/IRoomOutputs.h"
 #include "standin/Factory.h"
 #include "standin/Observer.h"
+#include "standin/Remains.h"
 
 #include <bitset>
 #include <map>
@@ -57,6 +58,7 @@ class Services final : public IInstanceManager, public IHostPaths, public IRoomO
   std::map<unsigned long, Variable> variables;
   std::vector<std::string> registered;
   std::bitset<5> faults;
+  Remains* dead = nullptr;  // until the current call into the driver is over
 
  private:
   std::optional<std::string> m_ImageRoot;

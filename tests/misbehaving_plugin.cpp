@@ -33,6 +33,7 @@ class Misbehaving : public TqBaseProxyDriver {
          }},
         {"OVERFLOW", [] { Overflow(1); }},
         {"THROW", [] { throw Foreign(); }},
+        {"RELEASE", [] { TqXML::CreateXmlNode()->Release(); }},
         {"HOLD", [] { TqXML::CreateXmlNode()->AddRef(); }},
     };
     for (const auto& row : rows) {
