@@ -21,16 +21,19 @@ CaseRun::CaseRun(const CheckOptions& options, const std::string& path,
   m_Traffic.Add(m_Collector);
   m_Traffic.Add(m_Hints);
   if (options.coverage) m_Traffic.Add(m_Coverage);
-  m_Lines.push_back({0, LineKind::Step, ""});
+  m_Lines.push_back({0, LineKind::Step, false, ""});
   while (const auto line = m_Session.NextLine()) {
-    m_Lines.push_back({line->number, KindOf(line->text), std::string(line->text)});
-    if (line->tooLong) static_cast<void>(m_Session.Read(*line));  // which says so
+    m_Lines.push_back({line->number, KindOf(*line), line->tooLong, std::string(line->text)});
   }
   m_Came.resize(m_Lines.size());
 }
 
 int CaseRun::Run() {
-  if (m_Life.Begin()) Play();
+  try {
+    if (m_Life.Begin()) Play();
+  } catch (const SessionError& error) {
+    m_Verdict.Fail(s_Wrong, error.what());
+  }
   m_Life.End(m_Session.Lines() + 1);
   if (m_Options.strict && m_Hints.Serious()) {
     m_Verdict.Fail(s_Failed, m_Session.Name() + ": there were hints");
@@ -52,7 +55,7 @@ void CaseRun::Play() {
   for (std::size_t place = 1; place < m_Lines.size(); ++place) {
     const Line& line = m_Lines[place];
     if (line.kind != LineKind::Step) continue;
-    const Step step = m_Session.Read({line.number, line.text, false});
+    const Step step = m_Session.Read({line.number, line.text, line.tooLong});
     ++m_Steps;
     const bool alive = m_Life.Deliver(line.number, step);
     m_Came[place] = m_Collector.records;

@@ -43,6 +43,7 @@ class CaseRun {
   struct Line {
     unsigned long number;
     LineKind kind;
+    bool tooLong;
     std::string text;
   };
 

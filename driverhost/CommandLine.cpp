@@ -94,8 +94,7 @@ void DescribeReplay(CLI::App& app, CommandLine& line) {
   AddText(app, "--image-root", line.imageRoot, "DIR",
           "Where pictures are written [a temporary one]");
   AddInteger(app, "--id", line.id, 0, "The driver's id [1]");
-  auto* asCase = app.add_flag("--case", line.asCase, "Each line, its traffic behind it");
-  asCase->excludes("--json")->excludes("--quiet");
+  app.add_flag("--case", line.asCase, "Make a case: each line, its traffic behind it");
   app.add_flag("--full", line.full, "Whole values, documents indented");
   AddInteger(app, "--repeat", line.replay.repeat, 1, "Play it N times into the same driver [1]");
   AddDecimal(app, "--pace", line.replay.pace, "X",
@@ -103,9 +102,7 @@ void DescribeReplay(CLI::App& app, CommandLine& line) {
 }
 
 void DescribeCheck(CLI::App& app, CommandLine& line) {
-  app.add_option("CASE", line.check.cases, "Case files, - for standard input")
-      ->type_name("...")
-      ->required();
+  app.add_option("CASE", line.check.cases, "Case files, - for standard input")->type_name("");
   DescribeCommon(app, line, s_CheckExamples);
   app.add_flag("--update", line.check.update, "Write what comes into the cases");
   app.add_flag("--coverage", line.check.coverage, "What the cases delivered of what is registered");
@@ -158,6 +155,12 @@ std::optional<CommandLine> ReadCommandLine(int argc, char** argv, int& status) {
   }
   try {
     app.parse(argc, argv);
+    if (line.asCase && (line.json || line.quiet)) {
+      throw CLI::ValidationError("--case", "goes with neither --json nor --quiet");
+    }
+    if (line.command == Command::Check && line.check.cases.empty()) {
+      throw CLI::RequiredError("CASE");
+    }
   } catch (const CLI::ParseError& error) {
     status = app.exit(error) == 0 ? s_Ran : s_Wrong;
     return std::nullopt;

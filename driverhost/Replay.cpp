@@ -56,10 +56,9 @@ void Replay::PlayRound() {
 }
 
 bool Replay::PlayLine(const LineSplitter::Line& line) {
-  if (KindOf(line.text) != LineKind::Step) {
-    if (KindOf(line.text) == LineKind::Comment && m_Comment && m_Before == 0) m_Comment(line.text);
-    return true;
-  }
+  const LineKind kind = KindOf(line);
+  if (kind == LineKind::Comment && m_Comment && m_Before == 0) m_Comment(line.text);
+  if (kind != LineKind::Step) return true;
   const Step step = m_Session.Read(line);
   if (m_Options.pace > 0 && step.at) WaitFor(*step.at);
   return Stopped() || m_Life.Deliver(m_Before + line.number, step);

@@ -12,11 +12,13 @@
 
 namespace driverhost {
 
-LineKind KindOf(std::string_view line) {
+LineKind KindOf(const LineSplitter::Line& whole) {
+  std::string_view line = whole.text;
   const auto skipBlanks = [&line] {
     line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
   };
   skipBlanks();
+  if (whole.tooLong) return LineKind::Step;  // a wrong one
   if (line.empty() || line[0] == '#') return LineKind::Comment;
   line.remove_prefix(1);
   skipBlanks();
@@ -89,7 +91,7 @@ Step Session::Read(const LineSplitter::Line& line) const {
 
 std::optional<Step> Session::Next() {
   while (const auto line = NextLine()) {
-    if (KindOf(line->text) == LineKind::Step) return Read(*line);
+    if (KindOf(*line) == LineKind::Step) return Read(*line);
   }
   return std::nullopt;
 }

@@ -21,7 +21,7 @@ class SessionError : public std::runtime_error {
 // A line is a step unless it is empty, is a comment, or, in a case, is a record: an object whose
 // first key is "to".
 enum class LineKind { Step, Comment, Record };
-LineKind KindOf(std::string_view line);
+LineKind KindOf(const LineSplitter::Line& line);
 
 // A session file, read line by line as it is asked for. Holds no more than a line of it.
 class Session {

@@ -1,3 +1,4 @@
+#include "driverhost/Comparison.h"
 #include "driverhost/Session.h"
 #include "tests/Bench.h"
 
@@ -31,7 +32,7 @@ Ended Shell(const std::string& command, const std::string& session = "") {
   const std::string directory = MakeDirectory() + '/';
   std::ofstream(directory + 's', std::ios::binary) << session;
   const std::string whole = "cd " + directory + " && export TMPDIR=. " PROGRAMS " MOST=" + std::to_string(ULONG_MAX) +
-                            " && bad() { echo '{\"command\":\"'$1'\"}' | $D check --driver $BAD --timeout 0.3 - s; }"
+                            " && bad() { echo '{\"command\":\"'$1'\"}' | $D check --driver $BAD --timeout ${2:-30} - s; }"
                             " && (" +
                             command + ") >out 2>err";
   const int status = std::system(whole.c_str());
@@ -92,6 +93,40 @@ TEST(Driverhost, SpeaksTheContract) {
       ReadFile(DATA "/golden/contract_session.ndjson"));
   EXPECT_EQ(ended.status, 0) << ended.error;
   EXPECT_EQ(ended.out, ReadFile(DATA "/golden/contract.ndjson"));
+}
+
+// Lists of records: a letter is a document of that name, a digit an event; "a=x" is a document with a text.
+TEST(Comparison, TellsEachDifferenceInWords) {
+  const auto records = [](const std::string& list) {
+    std::vector<std::string> texts;
+    std::istringstream words(list);
+    for (std::string word; words >> word;) {
+      const std::string name = word.substr(0, 1), text = word.size() > 2 ? word.substr(2) : "";
+      texts.push_back(std::isdigit(word[0])
+                          ? R"({"to":"event","id":)" + name + '}'
+                          : R"({"to":"ui","xml":"<)" + name + "><b>" + text + "</b></" + name + ">\"}");
+    }
+    return texts;
+  };
+  const std::tuple<const char*, const char*, const char*> cases[] = {
+      {"a 0 b", "a 0 b", ""},
+      {"a=x", "a=y", "in <a>/<b>: expected text \"x\", came text \"y\""},
+      {"a", "c", "expected element <a>, came element <c>"},
+      {"0", "1", "in \"id\": expected 0, came 1"},
+      {"a 0 b", "a b", "- .*:0}\n    did not come\n$"},
+      {"a b", "a 0 b", "[+] .*:0}\n    was not expected\n$"},
+      {"a 0 b", "a 0 0 b", "[+] .*:0}\n    came once too often\n$"},
+      {"a 0 b", "0 a b", "- .*came in another place\n$"},
+  };
+  for (const auto& [expected, came, words] : cases) {
+    const auto one = records(expected);
+    const std::string told = driverhost::Differences({one.begin(), one.end()}, records(came), false);
+    EXPECT_THAT(told, ContainsRegex(words)) << expected << " | " << came;
+    EXPECT_EQ(told.empty(), !*words);
+  }
+  EXPECT_EQ(
+      driverhost::Differences({R"({"xml":"<a b='1'/>","to":"ui"})"}, {R"({"to":"ui","xml":"<a b=\"1\"></a>"})"}, false),
+      "");
 }
 
 TEST(Driverhost, EndsAsItSays) {
