@@ -1,6 +1,9 @@
 #include "fuzz/Bench.h"
 #include "host/TqXML.h"
 
+#include <cstddef>
+#include <cstdint>
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string xml(reinterpret_cast<const char*>(data), size);
   standin::MakeNotificationFromXml("N", xml)->GetParamText("p");

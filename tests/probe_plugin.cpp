@@ -2,6 +2,9 @@
 
 #include "host/TqBaseProxyDriver.h"
 
+#include <string>
+#include <utility>
+
 namespace {
 
 struct ForeignCommand final : ICmdMessage {
@@ -17,15 +20,31 @@ struct ForeignCommand final : ICmdMessage {
 class Probe final : public TqBaseProxyDriver {
  public:
   explicit Probe(IInstanceManager& im) : TqBaseProxyDriver(im, 5001, DriverMultiplicity::One) {
-    m_CmdDispatcher.RegisterCmd("FOREIGN",
-                                [this](const ICmdMessage&, ICmdReturn*) { SendCommandToRooms(ForeignCommand()); });
-    m_CmdDispatcher.RegisterCmd("ROUND \"TRIP\"\t\n<&>", [this](const ICmdMessage& command, ICmdReturn*) {
-      const tq::auto_com<IBindMessage> bound(CreateBindMessage(command));
-      SendCommandToRooms(*CreateCommandMessageFromXml(bound->GetXml()));
-    });
+    using Handler = void (Probe::*)(const ICmdMessage&);
+    const std::pair<const char*, Handler> rows[] = {{"FOREIGN", &Probe::SendForeign},
+                                                    {"ROUND \"TRIP\"\t\n<&>", &Probe::SendForeign},
+                                                    {"ROUND \"TRIP\"\t\n<&>", &Probe::SendBack},
+                                                    {"CAPABILITY", &Probe::SendCapability}};
+    for (const auto& [name, handler] : rows) {
+      m_CmdDispatcher.RegisterCmd(
+          name, [this, handler](const ICmdMessage& command, ICmdReturn*) { (this->*handler)(command); });
+    }
   }
 
  private:
+  void SendForeign(const ICmdMessage&) { SendCommandToRooms(ForeignCommand()); }
+
+  void SendBack(const ICmdMessage& command) {
+    const tq::auto_com<IBindMessage> bound(CreateBindMessage(command));
+    SendCommandToRooms(*CreateCommandMessageFromXml(bound->GetXml()));
+  }
+
+  void SendCapability(const ICmdMessage&) {
+    std::string value = "none";
+    ExtractCapability("x", value);
+    SendDataToUISimple("x", value);
+  }
+
   void RegisterCommands() override {}
   void RegisterNotifications() override {}
   void RegisterConditionals() override {}

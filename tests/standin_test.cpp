@@ -98,23 +98,40 @@ TEST(Message, WritesEveryNameAndTextAsXml) {
   EXPECT_EQ(twice->GetParamValue("q"), "");
 }
 
-TEST(Message, OfABoundCallIsTheCommandThatItWasMadeFrom) {
-  const standin::Plugin plugin(PROBE_PLUGIN);
+class Probe : public testing::Test {
+ protected:
   struct : Recorder {
     void OnRooms(const std::string& command, const standin::Params& params) override {
       lines.push_back(command);
       for (const auto& param : params) lines.push_back(param.name + '|' + param.type + '|' + param.value);
     }
-  } recorder;
-  standin::Host host(plugin, recorder, "/");
-  Cmd("ROUND \"TRIP\"\t\n<&>", {{"\"'\r\n\t ", " \"\r\n\t<", "I&\""}, {"\xFF\"", "", "INTEGER"}})(host);
-  EXPECT_EQ(recorder.Take(), (std::vector<std::string>{"ROUND \"TRIP\"\t\n<&>", "\"'\r\n\t |I&\"| \"\r\n\t<",
-                                                       "\xEF\xBF\xBD\"|INTEGER|"}));
+  } m_Recorder;
+  const standin::Plugin m_Plugin{PROBE_PLUGIN};
+  standin::Host m_Host{m_Plugin, m_Recorder, "/"};
+};
+
+// Of the two handlers that it has for the name, the first would fail.
+TEST_F(Probe, ReadsABoundCallBackAsTheCommand) {
+  Cmd("ROUND \"TRIP\"\t\n<&>", {{"\"'\r\n\t ", " \"\r\n\t<", "I&\""}, {"\xFF\"", "", "INTEGER"}})(m_Host);
+  EXPECT_EQ(m_Recorder.lines, (std::vector<std::string>{"ROUND \"TRIP\"\t\n<&>", "\"'\r\n\t |I&\"| \"\r\n\t<",
+                                                        "\xEF\xBF\xBD\"|INTEGER|"}));
 }
 
-TEST(Host, RefusesAnObjectOfSomebodyElsesMaking) {
-  const standin::Plugin plugin(PROBE_PLUGIN);
+TEST_F(Probe, CannotSendAnObjectOfItsOwn) { EXPECT_THROW(Cmd("FOREIGN")(m_Host), std::logic_error); }
+
+TEST_F(Probe, HasTheCapabilitiesOfTheDeviceAtItsOwnBinding) {
+  const Step ask = Cmd("CAPABILITY");
+  const std::pair<unsigned long, const char*> bindings[] = {{5002, "none"}, {5001, "5001"}, {5000, "5001"}};
+  for (const auto& [id, answer] : bindings) {
+    m_Host.Bind(id, "", {{"x", std::to_string(id)}});
+    ask(m_Host);
+    EXPECT_EQ(m_Recorder.Take().back(), std::string("ui <x>") + answer + "</x>") << id;
+  }
+}
+
+TEST(Host, HasNoVariablesBeforeItInitializes) {
   Recorder recorder;
-  standin::Host host(plugin, recorder, "/");
-  EXPECT_THROW(Cmd("FOREIGN")(host), std::logic_error);
+  standin::Host host(ThePlugin(), recorder, "/");
+  Ntf("ONLINE_STATUS_CHANGED", {{"online_status", "True"}})(host);
+  EXPECT_EQ(recorder.lines, std::vector<std::string>{"ui <online_status>True</online_status>"});
 }
