@@ -1,12 +1,13 @@
 #include "driver/jpeg_file.h"
 
+#include <boost/filesystem/operations.hpp>
 #include <jpeglib.h>
-
-#include <sys/stat.h>
 
 #include <csetjmp>
 #include <type_traits>
 #include <vector>
+
+namespace fs = boost::filesystem;
 
 namespace {
 
@@ -78,8 +79,8 @@ struct Destroyer {
 }  // namespace
 
 FilePtr CreateFile(const std::string& path) {
-  struct stat status {};
-  if (stat(path.c_str(), &status) == 0 && S_ISFIFO(status.st_mode)) return nullptr;
+  boost::system::error_code ignored;
+  if (fs::status(path, ignored).type() == fs::fifo_file) return nullptr;
   return FilePtr(std::fopen(path.c_str(), "wb"));
 }
 
