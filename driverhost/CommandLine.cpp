@@ -6,10 +6,12 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <climits>
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -25,6 +27,15 @@ constexpr char s_ReplayExamples[] = R"(Examples:
   driverhost replay                          plays the demonstration
   driverhost replay --json evening.ndjson    one JSON object a line
   driverhost replay --case evening.ndjson    makes a case for "check"
+)";
+
+constexpr char s_LiveExamples[] =
+    R"(Behind --: the player, a program that is the bound device, with its arguments.
+
+Examples:
+  driverhost live -- mpd-player
+  driverhost live --record evening.ndjson -- mpd-player --host kitchen
+  echo '{"command":"PAUSE"}' | driverhost live -- mpd-player
 )";
 
 constexpr char s_CheckExamples[] = R"(Examples:
@@ -75,6 +86,14 @@ void AddDecimal(CLI::App& app, const std::string& name, double& number, const ch
   app.add_option_function<double>(name, read, help)->type_name(type);
 }
 
+// What the commands take that play into one driver.
+void DescribeLife(CLI::App& app, CommandLine& line) {
+  AddText(app, "--image-root", line.imageRoot, "DIR",
+          "Where pictures are written [a temporary one]");
+  AddInteger(app, "--id", line.id, 0, "The driver's id [1]");
+  app.add_flag("--full", line.full, "Whole values, documents indented");
+}
+
 // What all commands take.
 void DescribeCommon(CLI::App& app, CommandLine& line, const char* examples) {
   AddText(app, "--driver", line.driver, "FILE", "The plug-in to load [the one that came along]");
@@ -91,14 +110,17 @@ void DescribeReplay(CLI::App& app, CommandLine& line) {
                  "A session file, - for standard input [the demonstration]")
       ->type_name("");
   DescribeCommon(app, line, s_ReplayExamples);
-  AddText(app, "--image-root", line.imageRoot, "DIR",
-          "Where pictures are written [a temporary one]");
-  AddInteger(app, "--id", line.id, 0, "The driver's id [1]");
   app.add_flag("--case", line.asCase, "Make a case: each line, its traffic behind it");
-  app.add_flag("--full", line.full, "Whole values, documents indented");
+  DescribeLife(app, line);
   AddInteger(app, "--repeat", line.replay.repeat, 1, "Play it N times into the same driver [1]");
   AddDecimal(app, "--pace", line.replay.pace, "X",
              "Keep the lines' times, X times as fast [as it goes]");
+}
+
+void DescribeLive(CLI::App& app, CommandLine& line) {
+  DescribeCommon(app, line, s_LiveExamples);
+  DescribeLife(app, line);
+  AddText(app, "--record", line.record, "FILE", "Write the lines with their times, for replay");
 }
 
 void DescribeCheck(CLI::App& app, CommandLine& line) {
@@ -116,6 +138,7 @@ struct Subcommand {
 };
 constexpr Subcommand s_Subcommands[] = {
     {"replay", Command::Replay, "Play a session into a driver", &DescribeReplay},
+    {"live", Command::Live, "Bind a running player to a driver", &DescribeLive},
     {"check", Command::Check, "Play cases, compare the traffic with theirs", &DescribeCheck},
 };
 
@@ -130,12 +153,22 @@ std::string UnknownCommand(int argc, char** argv) {
   return "unknown command \"" + std::string(argv[1]) + '"' + DidYouMean(argv[1], known);
 }
 
+// Takes the player's command line, which stands behind "--", from the end of a live one's.
+std::vector<std::string> TakePlayer(int& argc, char** argv) {
+  if (argc < 2 || argv[1] != std::string_view("live")) return {};
+  char** mark = std::find(argv, argv + argc, std::string_view("--"));
+  std::vector<std::string> player(std::min(mark + 1, argv + argc), argv + argc);
+  argc = static_cast<int>(mark - argv);
+  return player;
+}
+
 }  // namespace
 
 std::optional<CommandLine> ReadCommandLine(int argc, char** argv, int& status) {
   CommandLine line;
   line.driver = FromProgram(DRIVERHOST_PLUGIN);
   line.session = FromProgram(DRIVERHOST_DEMO);
+  line.player = TakePlayer(argc, argv);
   CLI::App app("The bench host for driver plug-ins", "driverhost");
   app.require_subcommand(1);
   app.set_version_flag("--version", "driverhost " DRIVERHOST_VERSION);

@@ -5,17 +5,20 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace driverhost {
 
-enum class Command { Replay, Check };
+enum class Command { Replay, Live, Check };
 
 // What the command line asks for.
 struct CommandLine {
   Command command = Command::Replay;
   std::string driver;
   std::string session;
-  std::string imageRoot;  // empty: a temporary one
+  std::vector<std::string> player;  // with its arguments; empty: none
+  std::string record;               // empty: nowhere
+  std::string imageRoot;            // empty: a temporary one
   unsigned long id = 1;
   double timeout = 10;  // seconds for a call into the driver, 0 for ever
   bool json = false;

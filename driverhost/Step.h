@@ -48,7 +48,9 @@ struct Step {
   std::string_view source;
   unsigned long line = 0;
   std::optional<double> at;  // seconds since the session's start
-  std::string hint;          // what is hardly meant in the line, though it is legal; mostly empty
+  // Of each file that the line gives by its path: that path and the text that it stands for.
+  std::map<std::string, std::string> files;
+  std::string hint;  // what is hardly meant in the line, though it is legal; mostly empty
   std::variant<std::monostate, Notify, Execute, Request, Bind, Unbind, Rooms, Persist> call;
 };
 

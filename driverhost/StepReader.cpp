@@ -13,6 +13,7 @@
 #include <array>
 #include <climits>
 #include <cmath>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <set>
@@ -28,6 +29,8 @@ using Json = nlohmann::ordered_json;
 
 // A line, its parameters and a text of theirs.
 constexpr int s_DeepestObject = 2;
+// As base64 it fits a line.
+constexpr std::uintmax_t s_LargestFile = LineSplitter::s_LongestLine / 4 * 3;
 
 [[noreturn]] void Fail(const std::string& what) { throw std::runtime_error(what); }
 
@@ -85,6 +88,8 @@ class Line {
 
   // What is legal in what has been read, but hardly meant.
   const std::string& Hint() const { return m_Hint; }
+
+  std::map<std::string, std::string>& Files() { return m_Files; }
 
   // The text that is to be XML.
   std::string Xml() {
@@ -164,9 +169,22 @@ class Line {
         if (!bytes) Fail(Quoted(name) + " holds broken base64");
         return *std::move(bytes);
       }
-      if (value.contains("base64_of_file")) return EncodeBase64(ReadFile(m_Folder / text));
+      if (value.contains("base64_of_file")) return FileText(text);
     }
     Fail(Quoted(name) + R"( must be a string, {"bytes": BASE64} or {"base64_of_file": PATH})");
+  }
+
+  // What is no file of a known size might never end.
+  const std::string& FileText(const std::string& name) {
+    const auto [file, isNew] = m_Files.try_emplace(name);
+    if (!isNew) return file->second;
+    const std::filesystem::path path = m_Folder / name;
+    std::error_code error;
+    if (std::filesystem::file_size(path, error) > s_LargestFile && !error) {
+      Fail(Quoted(name) + " is larger than 48 MiB");
+    }
+    if (error) Fail("cannot read " + Quoted(name) + ": " + error.message());
+    return file->second = EncodeBase64(ReadFile(path));
   }
 
   Json& m_Json;
@@ -174,6 +192,7 @@ class Line {
   const char* m_Key;
   const std::filesystem::path& m_Folder;
   std::string m_Hint;
+  std::map<std::string, std::string> m_Files;
 };
 
 Notify ReadNotification(Line& line) {
@@ -292,6 +311,7 @@ Step ReadStep(const LineSplitter::Line& line, const std::filesystem::path& folde
   step.at = Seconds(json);
   Line members(json, kind.key, folder);
   step.call = kind.read(members);
+  step.files = std::move(members.Files());
   step.hint = members.Hint();
   return step;
 }

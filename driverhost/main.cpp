@@ -6,9 +6,11 @@
 #include "driverhost/Interrupt.h"
 #include "driverhost/Legible.h"
 #include "driverhost/Life.h"
+#include "driverhost/Live.h"
 #include "driverhost/Output.h"
 #include "driverhost/Printers.h"
 #include "driverhost/Progress.h"
+#include "driverhost/Recorder.h"
 #include "driverhost/Replay.h"
 #include "driverhost/Session.h"
 #include "driverhost/Summary.h"
@@ -63,39 +65,82 @@ void CheckOutput(const Output& output, Verdict& verdict) {
                std::string("driverhost: cannot write to standard output: ") + std::strerror(error));
 }
 
-int RunReplay(const CommandLine& line) {
-  Session session(line.session);
+// A driver with all that watches it, as a session and a live player need it.
+struct Bench {
+  explicit Bench(const CommandLine& commandLine);
+
+  // Ends the program's output with what the life came to. Returns the exit status.
+  int Close(unsigned long lines, double seconds, const std::string& about);
+
+  const CommandLine& line;
   Output output;
-  CallGuard::Install(output, line.timeout);
-  const standin::Plugin plugin(line.driver);
-  const ImageRoot imageRoot(line.imageRoot);
-  Verdict verdict(output);
+  standin::Plugin plugin;
+  ImageRoot imageRoot{line.imageRoot};
+  Verdict verdict{output};
   Traffic traffic;
-  const LifeOptions options{imageRoot.Path(), line.id};
-  Life life(options, plugin, traffic, output, verdict);
+  LifeOptions options{imageRoot.Path(), line.id};
+  Life life{options, plugin, traffic, output, verdict};
   std::unique_ptr<TrafficSink> printer = MakePrinter(line, output);
+  Hints hints{life, output};
+};
+
+// A driver may misbehave while it is loaded.
+const std::string& Guarded(const CommandLine& line, Output& output) {
+  CallGuard::Install(output, line.timeout);
+  return line.driver;
+}
+
+Bench::Bench(const CommandLine& commandLine)
+    : line(commandLine), plugin(Guarded(commandLine, output)) {
   traffic.Add(*printer);
-  Hints hints(life, output);
   traffic.Add(hints);
+}
 
-  const auto comment = [&](std::string_view text) {
-    if (line.asCase) output.Write(std::string(text) + '\n');
-  };
-  Replay replay(line.replay, session, life, output, verdict, &SleepUntil, comment);
-  const auto began = Clock::now();
-  replay.Run();
-  const double seconds = std::chrono::duration<double>(Clock::now() - began).count();
+int Bench::Close(unsigned long lines, double seconds, const std::string& about) {
   printer.reset();
-
   CheckOutput(output, verdict);
   if (line.strict && hints.Serious()) verdict.Fail(s_Failed, "driverhost: there were hints");
   if (output.Error() == EPIPE) return verdict.Status();
   std::string closing = Interrupted() != 0 ? "interrupted: " : "";
-  closing += SummaryText(replay.Lines(), life, traffic, seconds);
-  if (line.replay.repeat > 1) closing += MemoryText(life);
+  closing += SummaryText(lines, life, traffic, seconds) + about;
   if (imageRoot.Keep()) closing += "pictures below " + imageRoot.Path() + '\n';
   std::fputs(closing.c_str(), stderr);
   return verdict.Status();
+}
+
+double SecondsSince(Clock::time_point time) {
+  return std::chrono::duration<double>(Clock::now() - time).count();
+}
+
+int RunReplay(const CommandLine& line) {
+  Session session(line.session);
+  Bench bench(line);
+  const auto comment = [&](std::string_view text) {
+    if (line.asCase) bench.output.Write(std::string(text) + '\n');
+  };
+  Replay replay(line.replay, session, bench.life, bench.output, bench.verdict, &SleepUntil,
+                comment);
+  const auto began = Clock::now();
+  replay.Run();
+  const double seconds = SecondsSince(began);
+  const bool rounds = line.replay.repeat > 1;
+  return bench.Close(replay.Lines(), seconds, rounds ? MemoryText(bench.life) : "");
+}
+
+int RunLive(const CommandLine& line, int interrupt) {
+  Bench bench(line);
+  std::optional<Recorder> recorder;
+  if (!line.record.empty()) bench.traffic.Add(recorder.emplace(line.record));
+  Live live(line.player, interrupt, bench.life, bench.traffic, bench.output, bench.verdict);
+  const auto began = Clock::now();
+  live.Run();
+  const double seconds = SecondsSince(began);
+  ForgetInterrupt();
+  if (recorder && recorder->Error() != 0) {
+    bench.verdict.Fail(s_Failed, "driverhost: cannot write " + line.record + ": " +
+                                     std::strerror(recorder->Error()));
+  }
+  return bench.Close(live.Steps(), seconds, "");
 }
 
 // A file that took the place of a closed standard descriptor would be mixed up with it.
@@ -111,8 +156,9 @@ int Run(int argc, char** argv) {
   if (!line) return status;
   std::setlocale(LC_CTYPE, "C.UTF-8");  // for the widths of characters
   std::signal(SIGPIPE, SIG_IGN);
-  CatchInterrupts();
+  const int interrupt = CatchInterrupts();
   if (line->command == Command::Replay) return RunReplay(*line);
+  if (line->command == Command::Live) return RunLive(*line, interrupt);
   line->check.coloured = TakesColours();
   return RunCheck(line->check);
 }

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "driverhost/LineSplitter.h"
+#include "driverhost/Readiness.h"
+
+#include <boost/asio/io_context.hpp>
+
+#include <cstddef>
+#include <functional>
+
+namespace driverhost {
+
+// Reads lines from a descriptor within a loop: a part, its lines, the next part. So whoever writes
+// is never faster than whoever takes the lines.
+class LineReader {
+ public:
+  // Returns whether lines are still wanted.
+  using OnLine = std::function<bool(const LineSplitter::Line&)>;
+
+  // `descriptor` is borrowed and outlives the object. `onEnd` is called once, after the last line,
+  // unless lines are no longer wanted.
+  LineReader(boost::asio::io_context& loop, int descriptor, OnLine onLine,
+             std::function<void()> onEnd);
+
+  void Start();
+
+  // Reads what a pipe holds now, and no more whoever still writes into it. After that it reads
+  // nothing.
+  void ReadRest();
+
+ private:
+  void OnReadable();
+
+  // Returns how many bytes there were.
+  std::size_t ReadPart();
+  void TakeLines();
+  void End();
+
+  const int m_Descriptor;
+  const OnLine m_OnLine;
+  const std::function<void()> m_OnEnd;
+  Readiness m_Readiness;
+  LineSplitter m_Splitter;
+  bool m_Wanted = true;
+};
+
+}  // namespace driverhost

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "driverhost/Life.h"
+#include "driverhost/LineReader.h"
+#include "driverhost/Output.h"
+#include "driverhost/Player.h"
+#include "driverhost/Readiness.h"
+#include "driverhost/Verdict.h"
+
+#include <boost/asio/io_context.hpp>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace driverhost {
+
+// A driver's life with a player, and with whoever writes lines of a session: each line is a step as
+// it comes, numbered from 1. One thread, one loop.
+class Live {
+ public:
+  // `player` is the program with its arguments, empty for none; `interrupted` is the descriptor of
+  // CatchInterrupts. The rest is borrowed and outlives the object.
+  Live(const std::vector<std::string>& player, int interrupted, Life& life, Traffic& traffic,
+       Output& output, Verdict& verdict);
+
+  // Runs once, until the player has ended, standard input without a player has, or a signal came.
+  // What goes wrong is told through the verdict.
+  void Run();
+
+  // The lines delivered.
+  unsigned long Steps() const { return m_Steps; }
+
+ private:
+  // Return whether more lines are wanted.
+  bool Take(const LineSplitter::Line& line, const std::string& source);
+  bool Deliver(const Step& step);
+
+  void Start();
+  void Stop();
+  void OnPlayerEnd(std::optional<int> status);
+
+  Life& m_Life;
+  Output& m_Output;
+  Verdict& m_Verdict;
+  boost::asio::io_context m_Loop;
+  Readiness m_Interrupt;
+  LineReader m_Input;
+  std::optional<Player> m_Player;
+  unsigned long m_Steps = 0;
+  bool m_Stopping = false;
+};
+
+}  // namespace driverhost
