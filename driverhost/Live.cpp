@@ -54,7 +54,7 @@ void Live::Start() {
 bool Live::Take(const LineSplitter::Line& line, const std::string& source) {
   if (Interrupted() != 0) Stop();
   if (m_Stopping) return false;
-  if (!line.tooLong && KindOf(line.text) == LineKind::Comment) return true;
+  if (KindOf(line) == LineKind::Comment) return true;
   try {
     Step step = ReadStep(line, "");
     step.source = source;

@@ -25,16 +25,17 @@ struct Ended {
   std::string error;
 };
 
-// Runs a shell command with driverhost as $D and its largest number as $MOST, in a directory that holds `session`
-// as "s". "bad COMMAND" checks a case of that command with the driver that misbehaves, then the session as one that
-// expects nothing.
+// Runs a shell command with driverhost as $D, the sessions as $S and its largest number as $MOST, in a directory that
+// holds `session` as "s". "bad COMMAND" checks a case of that command with the driver that misbehaves, then the session
+// as one that expects nothing.
 Ended Shell(const std::string& command, const std::string& session = "") {
   const std::string directory = MakeDirectory() + '/';
   std::ofstream(directory + 's', std::ios::binary) << session;
-  const std::string whole = "cd " + directory + " && export TMPDIR=. " PROGRAMS " MOST=" + std::to_string(ULONG_MAX) +
-                            " && bad() { echo '{\"command\":\"'$1'\"}' | $D check --driver $BAD --timeout ${2:-30} - s; }"
-                            " && (" +
-                            command + ") >out 2>err";
+  const std::string whole =
+      "cd " + directory + " && export TMPDIR=. " PROGRAMS " S=" SESSIONS " MOST=" + std::to_string(ULONG_MAX) +
+      " && bad() { echo '{\"command\":\"'$1'\"}' | $D check --driver $BAD --timeout ${2:-30} - s; }"
+      " && (" +
+      command + ") >out 2>err";
   const int status = std::system(whole.c_str());
   Ended ended{WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadFile(directory + "out"), ReadFile(directory + "err")};
   fs::remove_all(directory);
