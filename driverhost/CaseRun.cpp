@@ -14,7 +14,7 @@ CaseRun::CaseRun(const CheckOptions& options, const std::string& path,
     : m_Options(options),
       m_Output(output),
       m_Session(path),
-      m_Verdict(output),
+      m_Verdict(path, output),
       m_Life(life, plugin, m_Traffic, output, m_Verdict),
       m_Hints(m_Life, output),
       m_Coverage(m_Life) {
@@ -36,7 +36,7 @@ int CaseRun::Run() {
   }
   m_Life.End(m_Session.Lines() + 1);
   if (m_Options.strict && m_Hints.Serious()) {
-    m_Verdict.Fail(s_Failed, m_Session.Name() + ": there were hints");
+    m_Verdict.FailDriver("there were hints");
   }
   if (m_Options.update && m_Verdict.Status() == s_Ran) Update();
   const bool good = m_Verdict.Status() == s_Ran && !m_Differs;

@@ -12,6 +12,9 @@ namespace driverhost {
 
 namespace {
 
+// A player could go on sending new names for ever.
+constexpr std::size_t s_MostNames = 1000;
+
 // What a driver has registered as "KIND NAME": the names.
 std::vector<std::string> NamesOf(const std::vector<std::string>& registered,
                                  const std::string& kind) {
@@ -76,12 +79,13 @@ void Hints::OnStepEnd() {
   }
 }
 
-void Hints::LookAtName(const std::string& kind, const std::string& name) {
+void Hints::LookAtName(const char* kind, const std::string& name) {
+  if (m_Seen.size() == s_MostNames || !m_Seen.emplace(kind, name).second) return;
   const auto known = NamesOf(m_Life.Host()->Registered(), kind);
   if (Holds(known, name)) return;
   const std::string meant = DidYouMean(name, known);
-  if (!meant.empty())
-    Tell(kind + ' ' + name, "no handler for the " + kind + ' ' + Quoted(name) + meant);
+  const std::string text = std::string("no handler for the ") + kind + ' ' + Quoted(name) + meant;
+  if (!meant.empty()) Tell(text, text);
 }
 
 void Hints::LookAtBinding(unsigned long id) {
@@ -110,7 +114,7 @@ void Hints::LookAtParameters(const Notify& notify) {
 
 void Hints::Tell(const std::string& key, const std::string& text, Weight weight) {
   if (weight == Weight::Serious) m_Serious = true;
-  if (!m_Told.insert(key).second) return;
+  if (m_Told.size() == s_MostNames || !m_Told.insert(key).second) return;
   m_Output.Flush();
   std::fprintf(stderr, "%s:%lu: hint: %s\n", std::string(m_Step->source).c_str(), m_Step->line,
                text.c_str());

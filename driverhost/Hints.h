@@ -6,6 +6,8 @@
 
 #include <set>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace driverhost {
@@ -31,7 +33,7 @@ class Hints : public TrafficSink {
   // `key` is what it is told once for.
   void Tell(const std::string& key, const std::string& text, Weight weight = Weight::Serious);
 
-  void LookAtName(const std::string& kind, const std::string& name);
+  void LookAtName(const char* kind, const std::string& name);
   void LookAtBinding(unsigned long id);
   void LookAtParameters(const Notify& notify);
 
@@ -41,6 +43,7 @@ class Hints : public TrafficSink {
   std::vector<std::string> m_Read;    // by the handler in this step
   std::vector<std::string> m_Lacked;  // those of them that the message lacks
   bool m_Explained = false;  // the driver has written a picture, or a line that says what is wrong
+  std::set<std::pair<std::string_view, std::string>> m_Seen;  // kinds and names
   std::set<std::string> m_Told;
   bool m_Serious = false;
 };

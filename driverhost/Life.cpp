@@ -65,8 +65,8 @@ bool Life::Run(unsigned long number, const Step& step, Call call) {
   EndStep();
   const std::string where = "step " + std::to_string(number) + ", " + step.title + ": ";
   const std::string misuse = m_Traffic.TakeMisuse();
-  if (!misuse.empty()) m_Verdict.Fail(s_Failed, "driverhost: in " + where + misuse);
-  if (thrown) m_Verdict.Fail(s_Failed, "driverhost: the driver threw in " + where + *thrown);
+  if (!misuse.empty()) m_Verdict.FailDriver("in " + where + misuse);
+  if (thrown) m_Verdict.FailDriver("the driver threw in " + where + *thrown);
   return !thrown;
 }
 
@@ -113,7 +113,7 @@ void Life::CheckLedger() {
     held += (held.empty() ? "" : ", ") + Count(ledger.*kind, standin::NameOf(kind));
   }
   if (held.empty()) return;
-  m_Verdict.Fail(s_Failed, "driverhost: still held after the driver's destruction: " + held);
+  m_Verdict.FailDriver("still held after the driver's destruction: " + held);
 }
 
 }  // namespace driverhost

@@ -76,7 +76,7 @@ struct Bench {
   Output output;
   standin::Plugin plugin;
   ImageRoot imageRoot{line.imageRoot};
-  Verdict verdict{output};
+  Verdict verdict{"driverhost", output};
   Traffic traffic;
   LifeOptions options{imageRoot.Path(), line.id};
   Life life{options, plugin, traffic, output, verdict};
