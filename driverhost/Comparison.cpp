@@ -56,6 +56,7 @@ struct RecordText {
 template <class Texts>
 std::vector<RecordText> Parsed(const Texts& texts) {
   std::vector<RecordText> records;
+  records.reserve(texts.size());
   for (const std::string_view text : texts) records.push_back({text, Json::parse(text)});
   return records;
 }

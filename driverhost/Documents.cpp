@@ -54,7 +54,7 @@ std::string Path(xml_node node) {
     std::string step = '<' + Legible(node.name(), s_LongestName) + '>';
     if (position > 1 || node.next_sibling(node.name()))
       step += '[' + std::to_string(position) + ']';
-    path = path.empty() ? step : step + '/' + path;
+    path.insert(0, path.empty() ? step : step.append(1, '/'));
   }
   return path;
 }

@@ -2,9 +2,8 @@
 
 #include "standin/Utf8.h"
 
-#include <wchar.h>
-
 #include <algorithm>
+#include <cwchar>
 
 namespace driverhost {
 

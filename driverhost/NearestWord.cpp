@@ -16,10 +16,10 @@ constexpr std::size_t s_MostEdits = 2;
 std::size_t Edits(std::string_view from, std::string_view to) {
   std::vector<std::size_t> row(to.size() + 1);
   std::iota(row.begin(), row.end(), std::size_t{0});
-  for (std::size_t i = 0; i < from.size(); ++i) {
+  for (const char letter : from) {
     std::size_t diagonal = row[0]++;
     for (std::size_t j = 0; j < to.size(); ++j) {
-      const std::size_t replaced = diagonal + (from[i] == to[j] ? 0 : 1);
+      const std::size_t replaced = diagonal + (letter == to[j] ? 0 : 1);
       diagonal = row[j + 1];
       row[j + 1] = std::min({replaced, row[j] + 1, diagonal + 1});
     }

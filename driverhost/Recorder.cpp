@@ -29,7 +29,7 @@ void PutFile(Json& text, const Step& step) {
 Json WithFiles(const Step& step) {
   Json line = Json::parse(step.text);
   line.erase("at");
-  for (auto& [key, value] : line.items()) {
+  for (const auto& [key, value] : line.items()) {
     if (key != "params" && key != "capabilities") {
       PutFile(value, step);
       continue;

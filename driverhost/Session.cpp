@@ -12,17 +12,17 @@
 
 namespace driverhost {
 
-LineKind KindOf(const LineSplitter::Line& whole) {
-  std::string_view line = whole.text;
-  const auto skipBlanks = [&line] {
-    line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
+LineKind KindOf(const LineSplitter::Line& line) {
+  std::string_view text = line.text;
+  const auto skipBlanks = [&text] {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
   };
   skipBlanks();
-  if (whole.tooLong) return LineKind::Step;  // a wrong one
-  if (line.empty() || line[0] == '#') return LineKind::Comment;
-  line.remove_prefix(1);
+  if (line.tooLong) return LineKind::Step;  // a wrong one
+  if (text.empty() || text[0] == '#') return LineKind::Comment;
+  text.remove_prefix(1);
   skipBlanks();
-  return line.starts_with("\"to\"") ? LineKind::Record : LineKind::Step;
+  return text.starts_with("\"to\"") ? LineKind::Record : LineKind::Step;
 }
 
 Session::Session(const std::string& path) : m_Name(path) {
