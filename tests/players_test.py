@@ -1,4 +1,4 @@
-"""mpd_player_test.py MPD_PLAYER [NAME...]: the player through its own door, at a real MPD and at one that misbehaves."""
+"""players_test.py MPD_PLAYER EXAMPLE [NAME...]: players through their own door, at a real MPD and at one that misbehaves."""
 import base64
 import json
 import os
@@ -20,10 +20,9 @@ BROWSING = ("NEW_MENU", "ADD_MENU_ITEM", "NEW_LIST", "ADD_LIST_ITEM")
 class Device:
     """The program under test; what it says is taken in order, what it complains of beside it."""
 
-    def __init__(self, host, *options, **environment):
-        self.process = subprocess.Popen(
-            [sys.argv[1], "--host", str(host), *options], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-            stderr=subprocess.PIPE, env={**os.environ, "MPD_TIMEOUT": "2", **environment})
+    def __init__(self, *options, program=sys.argv[1]):
+        self.process = subprocess.Popen([program, *options], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                        stderr=subprocess.PIPE, env={**os.environ, "MPD_TIMEOUT": "1"})
         self.said, self.complaints, self.seen = queue.Queue(), queue.Queue(), []
         for source, sink in ((self.process.stdout, self.said), (self.process.stderr, self.complaints)):
             threading.Thread(target=lambda f=source, q=sink: [q.put(x.decode()) for x in f], daemon=True).start()
@@ -141,7 +140,7 @@ def first_report(d, status):
 
 
 def transport(mpd):
-    with Device(mpd.host) as d:
+    with Device("--host", mpd.host) as d:
         first_report(d, "Stopped")
         d.wait("PLAY_TIME_CHANGED", "0:00", "0:00")
         for command, params, *expected in (
@@ -185,7 +184,7 @@ def browsing(mpd):
     menu = ["artists", "albums", "folders", "playlists", "queue", "search"]
     bare = ("song:ليلة/D.flac", "D.flac")
     a, b, c = (mpd.A, "Où ?"), (mpd.B, '"B" \\ <&>'), (mpd.C, "くらげ")
-    with Device(mpd.host) as d:
+    with Device("--host", mpd.host) as d:
         d.say("MENU")
         assert d.next("NEW_MENU")[1:] == ["Music player", "6"]
         assert [d.next("ADD_MENU_ITEM")[1] for _ in menu] == menu
@@ -215,7 +214,7 @@ def pictures(mpd):
     for kind, uri, *expected in (("jpeg", mpd.A, "96", "64", "JPEG"), ("jpeg", mpd.B, "200", "100", "JPEG"),
                                  ("jpeg", mpd.C, "200", "100", "JPEG"), ("rgb565", mpd.C, "200", "100", "RGB565"),
                                  ("rgb888", mpd.A, "96", "64", "RGB888"), ("rgb888", mpd.C, "200", "100", "RGB888")):
-        with Device(mpd.host, "--art", kind, "--art-size", "200") as d:
+        with Device("--host", mpd.host, "--art", kind, "--art-size", "200") as d:
             d.say("PLAY", ID=uri)
             while (found := d.next("NEW_COVERART"))[2:5] != expected:
                 pass
@@ -233,7 +232,7 @@ def pictures(mpd):
 
 
 def wrong_commands(mpd):
-    with Device(mpd.host) as d:
+    with Device("--host", mpd.host) as d:
         for command, params, complaint in (
                 ("JUMP", {}, "unknown command"), ("SEEK", {}, "POSITION is missing"),
                 ("SEEK", {"POSITION": "-1"}, 'POSITION is "-1", not a number from 0 to 1000000'),
@@ -267,14 +266,12 @@ def piece(data, size=None, stated=None):
 class FalseMpd:
     """Answers as it is told: a table of the commands' first words; an answer for each time, the last one ever after."""
 
-    def __init__(self, top, **answers):
-        self.host = top / "false"
+    def __init__(self, **answers):
         self.answers = {"commands": [b"command: play\nOK\n"], "status": [b"state: pause\n" + SONG + b"OK\n"],
                         "greeting": [b"OK MPD 0.23.0\n"], "readpicture": [piece(PICTURE)], "idle": [b""],
                         "noidle": [b"OK\n"], **answers}
-        self.listener = socket.socket(socket.AF_UNIX)
-        self.listener.bind(str(self.host))
-        self.listener.listen()
+        self.listener = socket.create_server(("127.0.0.1", 0))
+        self.where = "--host", "word@localhost", "--port", str(self.listener.getsockname()[1])
         threading.Thread(target=self.serve, daemon=True).start()
 
     def __enter__(self):
@@ -283,7 +280,6 @@ class FalseMpd:
     def __exit__(self, *_):
         self.listener.shutdown(socket.SHUT_RDWR)
         self.listener.close()
-        self.host.unlink()
 
     def answer(self, connection, word):
         given = self.answers.get(word, [b"OK\n"])
@@ -299,6 +295,7 @@ class FalseMpd:
                 connection, _ = self.listener.accept()
             except OSError:
                 return
+            connection.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
             try:
                 with connection, connection.makefile("rb") as lines:
                     self.answer(connection, "greeting")
@@ -315,7 +312,7 @@ class FalseMpd:
                 pass
 
 
-def hostile_answers(top):
+def hostile_answers(_):
     art, none = ("NEW_COVERART", "8", "4"), ("COVERART_PATH_CHANGED", "0", "0")
     title = b"state: pause\nfile: a.flac\nTitle: "
     for case, answers, complaint, expected, again in (
@@ -336,6 +333,7 @@ def hostile_answers(top):
             ("has too many pixels", {"readpicture": [piece(png(30000, 30000, b"\0\0\0" * 30000))]}, "too many pixels", none, False),
             ("is not MPD", {"greeting": [b"SSH-2.0\n", b"OK MPD 0.23.0\n"]}, "not MPD", art, False),
             ("never greets", {"greeting": [b"", b"OK MPD 0.23.0\n"]}, "stopped answering", art, False),
+            ("refuses the password", {"password": [b"ACK [3@0] {password} no\n", b"OK\n"]}, "password is refused", art, False),
             ("refuses the status", {"status": [b"ACK [4@0] {status} no permission\n", b"state: pause\n" + SONG + b"OK\n"]}, "no permission", art, False),
             ("refuses to idle", {"idle": [b"ACK [4@0] {idle} no\n", b""]}, "refuses to idle", art, True),
             ("sends nonsense", {"status": [b"nonsense\n", b"state: pause\n" + SONG + b"OK\n"]}, "nonsense", art, False),
@@ -345,7 +343,7 @@ def hostile_answers(top):
             ("has any bytes", {"status": [title + b"\xff\x01\0\xc3\x28\nOK\n"]}, None,
              ("MEDIA_INFO_CHANGED", {"bytes": base64.b64encode(b"\xff\x01\0\xc3\x28").decode()}), False),
             ("has a long tag", {"status": [title + b"x" * 200000 + b"\nOK\n"]}, None, ("MEDIA_INFO_CHANGED", "x" * 200000), False)):
-        with FalseMpd(top, **answers) as mpd, Device(mpd.host, "--art", "rgb565", MPD_TIMEOUT="1") as d:
+        with FalseMpd(**answers) as mpd, Device(*mpd.where, "--art", "rgb565") as d:
             if again:
                 d.wait("ONLINE_STATUS_CHANGED", "False")
             found = d.next(expected[0])
@@ -353,29 +351,38 @@ def hostile_answers(top):
             assert complaint is None or complaint in d.complaint(), case
 
 
-def unread_output(top):
+def unread_output(_):
     """While nobody reads, nothing piles up; then what holds now is told, and the end of the input is still seen."""
     busy = [b"changed: player\nOK\n"]
-    titles = [b"state: pause\nfile: %d\nTitle: " % n + b"x" * 3000 + b"%d\nOK\n" % n for n in range(3000)]
-    with FalseMpd(top, idle=busy, status=titles, readpicture=[b"OK\n"]) as mpd:
-        process = subprocess.Popen([sys.argv[1], "--host", mpd.host], stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+    titles = [b"state: pause\nfile: %d\nTitle: " % n + b"x" * 3000 + b"%d\nOK\n" % n for n in range(600)]
+    with FalseMpd(idle=busy, status=titles, readpicture=[b"OK\n"]) as mpd:
+        process = subprocess.Popen([sys.argv[1], *mpd.where], stdin=subprocess.PIPE, stdout=subprocess.PIPE)
         end = time.monotonic() + BOUND
-        left = 3001
+        left = 601
         while len(titles) != left:  # until it asks no more
             assert time.monotonic() < end
             left = len(titles)
             time.sleep(0.2)
-        assert left > 2000, left
+        assert left > 500, left
         read = b""
-        while b"x2999" not in read:
+        while b"x599" not in read:
             read = read[-9:] + os.read(process.stdout.fileno(), 65536)
         process.stdin.close()
         assert process.wait(BOUND) == 0
 
 
+def example(_):
+    with Device(program=sys.argv[2]) as d:
+        d.wait("PLAY_TIME_CHANGED", "0:00", "0:21")
+        for command, *expected in (("PLAY", "PLAY_TIME_CHANGED", "0:01", "0:20"), ("PAUSE", "PLAY_STATUS_CHANGED", "Paused"),
+                                   ("SKIP_FWD", "QUEUE_PROGRESS_CHANGED", "2", "3")):
+            d.say(command, ROOM_ID="5")
+            d.wait(*expected)
+
+
 def main():
-    real, hostile = (transport, browsing, pictures, wrong_commands), (hostile_answers, unread_output)
-    names = sys.argv[2:] or [t.__name__ for t in real + hostile]
+    real, hostile = (transport, browsing, pictures, wrong_commands), (hostile_answers, unread_output, example)
+    names = sys.argv[3:] or [t.__name__ for t in real + hostile]
     with tempfile.TemporaryDirectory() as folder:
         top = pathlib.Path(folder)
         mpd = Mpd(top) if any(t.__name__ in names for t in real) else None
