@@ -57,7 +57,7 @@ void Hints::OnRecord(const Record& record) {
     const std::string path(record.Text("path"));
     if (!picture) Tell("file " + path, path + " is no JPEG after " + m_Step->title);
   }
-  if (record.to == Record::To::Device) {
+  if (record.to == Record::To::Device && !m_PlayerComes) {
     const unsigned long binding = record.Number("binding");
     if (m_Life.Host()->Bindings().contains(binding)) return;
     Tell("device " + std::to_string(binding),

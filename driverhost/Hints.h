@@ -16,8 +16,10 @@ namespace driverhost {
 // from what the driver has registered and what its handlers read.
 class Hints : public TrafficSink {
  public:
-  // Both are borrowed and outlive the object. `output` is flushed before a hint.
-  Hints(const Life& life, Output& output) : m_Life(life), m_Output(output) {}
+  // Both are borrowed and outlive the object. `output` is flushed before a hint. Where a player is to
+  // come, calls to it may be early.
+  Hints(const Life& life, Output& output, bool playerComes = false)
+      : m_Life(life), m_Output(output), m_PlayerComes(playerComes) {}
 
   void OnStep(unsigned long number, const Step& step) override;
   void OnRead(const std::string& parameter, bool has) override;
@@ -39,6 +41,7 @@ class Hints : public TrafficSink {
 
   const Life& m_Life;
   Output& m_Output;
+  const bool m_PlayerComes;
   const Step* m_Step = nullptr;
   std::vector<std::string> m_Read;    // by the handler in this step
   std::vector<std::string> m_Lacked;  // those of them that the message lacks

@@ -81,7 +81,7 @@ struct Bench {
   LifeOptions options{imageRoot.Path(), line.id};
   Life life{options, plugin, traffic, output, verdict};
   std::unique_ptr<TrafficSink> printer = MakePrinter(line, output);
-  Hints hints{life, output};
+  Hints hints{life, output, !line.player.empty()};
 };
 
 // A driver may misbehave while it is loaded.
