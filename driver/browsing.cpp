@@ -4,8 +4,8 @@
 
 #include <utility>
 
-// Takes the held document's place only when it is complete, so that the items' element always
-// belongs to the held document.
+// The held document is replaced only when the new one is complete, together with the pointer to its
+// items.
 void media::NewDocument(const std::string& name, std::initializer_list<NamedValue> values) {
   auto node = TqXML::CreateXmlNode();
   TqXML::INode* items = nullptr;

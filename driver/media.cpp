@@ -31,7 +31,7 @@ media::media(IInstanceManager& im)
     : TqBaseProxyDriver(im, s_ProxyBindingId, DriverMultiplicity::One) {
   m_MediaInfo.Clear();
   m_ListNode = TqXML::CreateXmlNode();
-  // Virtual, but never a derived class's while this class is being built: the names say so.
+  // Virtual operations: the qualified names say that this class's own are meant.
   media::RegisterNotifications();
   media::RegisterCommands();
   RegisterRequests();

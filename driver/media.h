@@ -72,7 +72,7 @@ class media : public TqBaseProxyDriver {
   static const std::string s_HasSearchCapStr;
   static const std::string s_HasBrowseCapStr;
 
-  // A flag of the device with its name; the order is that of the settings report.
+  // A flag of the device with its name. The table has the order of the settings report.
   struct Capability {
     const std::string& name;
     bool media::*flag;
@@ -137,8 +137,8 @@ class media : public TqBaseProxyDriver {
   FlexMode m_RepeatModes;
   FlexMode m_MediaLabels;
 
-  // The menu or list being assembled, or the last one; the items' element belongs to it, and is
-  // null until the first header.
+  // The menu or list that is being put together, or the last one. The items' element belongs to it
+  // and is null until the first header.
   tq::auto_com<TqXML::INode> m_ListNode;
   TqXML::INode* m_ListItemsNode = nullptr;
 
@@ -152,8 +152,8 @@ class media : public TqBaseProxyDriver {
   std::string m_RepeatMode;
   MediaInfo m_MediaInfo;
 
-  // Where the cover art is written, and the same file as the user interfaces address it; empty
-  // until Initialize.
+  // The cover art's file, and the same file's path as user interfaces are sent it. Empty until
+  // Initialize.
   std::string m_CoverArtFile;
   std::string m_CoverArtImagePath;
   long m_CoverArtWidth = 0;

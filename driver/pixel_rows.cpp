@@ -2,8 +2,9 @@
 
 #include <cstddef>
 
-// Compilers turn the loops below into vector code only for processors that can shuffle bytes, which
-// x86-64 does not promise. There the loader picks the copy of a loop that suits the processor.
+// Compilers make vector code of the loops below only for processors that can shuffle bytes, and not
+// every x86-64 can. There each loop is compiled once for each kind of processor, and the loader
+// picks.
 #if defined(__x86_64__) && defined(__GLIBC__)
 #define COPY_PER_PROCESSOR __attribute__((target_clones("avx2", "ssse3", "default")))
 #else

@@ -71,7 +71,7 @@ void media::RegisterVariables() {
   VmAdd(s_OnlineStatusVariable, "ONLINE_STATUS", TqTypes::VariableType::Text, "0", 0, 0, "");
 }
 
-// The second goes even where the host throws at the first.
+// Removes the second variable even when the host throws at the first.
 void media::UnregisterVariables() {
   try {
     VmRemove(s_PlayStatusVariable);

@@ -38,7 +38,7 @@ void media::CurrentSettingsToUI() {
 
 void media::OnCmdQueryCurrentSettings(const ICmdMessage&, ICmdReturn*) { CurrentSettingsToUI(); }
 
-// With the device's own text, not the held one: no field changes either way (docs/choices.md).
+// Sends the notification's own text, not the held status (docs/choices.md).
 void media::OnNtfCurrentSettings(const IBindMessage& msg) {
   SendToUI("CURRENT_SETTINGS", {{"online", msg.GetParamText("online")}});
 }
