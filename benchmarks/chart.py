@@ -18,10 +18,10 @@ def text(x, y, content, anchor="start", weight="normal"):
 
 
 def draw(groups):
-    """`groups` holds (title, [(name, value)]); the one named "driver" is ours, its value 1."""
+    """`groups` holds (title, [(name, value)]); the one named "driver" is ours and its value 1."""
     largest = max(value for _, bars in groups for _, value in bars)
     parts, y = [], 10
-    parts.append(text(LEFT, y + 8, "time taken, the driver's being 1 (logarithmic)"))
+    parts.append(text(LEFT, y + 8, "time taken, ours being 1 (logarithmic)"))
     for title, bars in groups:
         y += TITLE
         parts.append(text(LEFT, y, title, weight="bold"))
@@ -29,7 +29,7 @@ def draw(groups):
         for name, value in bars:
             end = x_of(value, largest)
             colour = OURS if name == "driver" else THEIRS
-            parts.append(text(LEFT - 8, y + 12, name, "end"))
+            parts.append(text(LEFT - 8, y + 12, "ours" if name == "driver" else name, "end"))
             parts.append(f'<rect x="{LEFT}" y="{y}" width="{end - LEFT:.1f}" height="{BAR}" '
                          f'fill="{colour}"/>')
             parts.append(text(end + 6, y + 12, f"{value:.3g}"))

@@ -77,22 +77,6 @@ void RunPeer(benchmark::State& state, std::string (*print)(const Element&), std:
   for (auto _ : state) benchmark::DoNotOptimize(print(tree));
 }
 
-// Each round appends one item to a list of so many, and sends it all.
-void RunAgain(benchmark::State& state, std::size_t items) {
-  DriverWithSink driver;
-  Deliver(driver.Host(), ListOf(items));
-  const Message more = Item(items + 1, "True");
-  for (auto _ : state) driver.Host().Notify(*more);
-}
-
-void RunCopy(benchmark::State& state, std::size_t items) {
-  const std::string text = TextOf(items);
-  for (auto _ : state) {
-    const std::string copy = text;
-    benchmark::DoNotOptimize(copy.data());
-  }
-}
-
 }  // namespace
 
 void AddLists() {
@@ -102,8 +86,4 @@ void AddLists() {
     benchmark::RegisterBenchmark((name + "/pugixml").c_str(), &RunPeer, &PrintWithPugixml, items);
     benchmark::RegisterBenchmark((name + "/libxml2").c_str(), &RunPeer, &PrintWithLibxml2, items);
   }
-  // So few rounds that the list hardly grows.
-  const std::string again = "again/100000";
-  benchmark::RegisterBenchmark((again + "/driver").c_str(), &RunAgain, 100000U)->Iterations(50);
-  benchmark::RegisterBenchmark((again + "/copy").c_str(), &RunCopy, 100000U)->Iterations(50);
 }

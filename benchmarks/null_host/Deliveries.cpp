@@ -31,7 +31,7 @@ std::vector<Delivery> Deliveries(const char* plugin) {
     const auto texts = Texts(name);
     const auto one = std::make_shared<BindMessage>(texts.first);
     const auto two = std::make_shared<BindMessage>(
-        texts.second, name == "any other notification" ? "A_COMMAND" : "");
+        texts.second, name == "any_other_notification" ? "A_COMMAND" : "");
     all.push_back({name, [one, two, deliver = handler] {
                      deliver(*one);
                      deliver(*two);
@@ -51,7 +51,7 @@ std::vector<Delivery> Deliveries(const char* plugin) {
                      deliver(message);
                    }});
   }
-  all.push_back({"binding made", [&driver, className = std::string("PLAYER")] {
+  all.push_back({"binding_made", [&driver, className = std::string("PLAYER")] {
                    driver.OnBindingChanged(5001, className, true);
                    driver.OnBindingChanged(5001, className, true);
                  }});

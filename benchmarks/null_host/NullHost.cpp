@@ -76,7 +76,7 @@ void NtfDispatcher::RegisterNtf(const std::string& name, Handler handler) {
   s_Handlers.notifications.emplace_back(name, std::move(handler));
 }
 void NtfDispatcher::RegisterDefaultNtf(Handler handler) {
-  s_Handlers.notifications.emplace_back("any other notification", std::move(handler));
+  s_Handlers.notifications.emplace_back("any_other_notification", std::move(handler));
 }
 void CmdDispatcher::RegisterCmd(const std::string& name, Handler handler) {
   s_Handlers.commands.emplace_back(name, std::move(handler));
