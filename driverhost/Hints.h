@@ -16,8 +16,8 @@ namespace driverhost {
 // from what the driver has registered and what its handlers read.
 class Hints : public TrafficSink {
  public:
-  // Both are borrowed and outlive the object. `output` is flushed before a hint. Where a player is to
-  // come, calls to it may be early.
+  // Both are borrowed and outlive the object. `output` is flushed before a hint. Where a player is
+  // to come, calls to it may be early.
   Hints(const Life& life, Output& output, bool playerComes = false)
       : m_Life(life), m_Output(output), m_PlayerComes(playerComes) {}
 
