@@ -33,7 +33,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto [node, twin] = nodes[input.Byte() % nodes.size()];
     const bool child = input.Byte() % 2 == 0;
     const std::string text = input.Text();
-    const std::string value = child ? text.c_str() : text;
+    const std::string value = child ? text.substr(0, text.find('\0')) : text;
     const std::string back = ReadBack(value);
     xmlNode* added = xmlNewTextChild(twin, nullptr, Chars(child ? "c" : "v"), back.empty() ? nullptr : Chars(back));
     if (child) nodes.emplace_back(XmlHelper::AddChild(*node, "c", value.c_str()), added);

@@ -6,14 +6,12 @@
 
 namespace {
 
-// False when the text is not base64 from end to end.
+// False, and no bytes, when the text is not base64 from end to end.
 bool DecodeStrictly(const std::string& text, std::string& bytes) {
-  bool valid = false;
-  bytes.resize_and_overwrite(modp_b64_decode_len(text.size()), [&](char* decoded, std::size_t) {
-    const std::size_t size = modp_b64_decode(decoded, text.data(), text.size());
-    valid = size != static_cast<std::size_t>(-1);
-    return valid ? size : 0;
-  });
+  bytes.resize(modp_b64_decode_len(text.size()));
+  const std::size_t size = modp_b64_decode(bytes.data(), text.data(), text.size());
+  const bool valid = size != static_cast<std::size_t>(-1);
+  bytes.resize(valid ? size : 0);
   return valid;
 }
 

@@ -13,7 +13,10 @@ struct Foreign {};
 
 volatile std::uintptr_t s_NoAddress = 64;
 
-int Overflow(volatile int depth) { return depth == 0 ? 0 : Overflow(depth + 1) + depth; }
+int Overflow(int depth) {
+  volatile int here = depth;
+  return here == 0 ? 0 : Overflow(here + 1) + here;
+}
 
 class Misbehaving : public TqBaseProxyDriver {
  public:

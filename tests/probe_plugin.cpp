@@ -25,9 +25,10 @@ class Probe final : public TqBaseProxyDriver {
                                                     {"ROUND \"TRIP\"\t\n<&>", &Probe::SendForeign},
                                                     {"ROUND \"TRIP\"\t\n<&>", &Probe::SendBack},
                                                     {"CAPABILITY", &Probe::SendCapability}};
-    for (const auto& [name, handler] : rows) {
-      m_CmdDispatcher.RegisterCmd(
-          name, [this, handler](const ICmdMessage& command, ICmdReturn*) { (this->*handler)(command); });
+    for (const auto& row : rows) {
+      m_CmdDispatcher.RegisterCmd(row.first, [this, handler = row.second](const ICmdMessage& command, ICmdReturn*) {
+        (this->*handler)(command);
+      });
     }
   }
 
