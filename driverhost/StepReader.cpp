@@ -29,17 +29,21 @@ using Json = nlohmann::ordered_json;
 
 // A line, its parameters and a text of theirs.
 constexpr int s_DeepestObject = 2;
+// Beginnings, ends, keys and values: the time that a line takes grows with the square of its keys.
+constexpr std::size_t s_MostEvents = 40000;
 // As base64 it fits a line.
 constexpr std::uintmax_t s_LargestFile = LineSplitter::s_LongestLine / 4 * 3;
 
 [[noreturn]] void Fail(const std::string& what) { throw std::runtime_error(what); }
 
-// Refuses a key that stands twice in its object, and what is nested deeper than any line needs.
+// Refuses a key that stands twice in its object, and what is nested deeper or holds more than any
+// line needs.
 class KeyGuard {
  public:
   bool operator()(int depth, Json::parse_event_t event, const Json& parsed) {
     using Event = Json::parse_event_t;
     const bool starts = event == Event::object_start || event == Event::array_start;
+    if (++m_Events > s_MostEvents) Fail("more than 20000 keys");
     if (starts && depth > s_DeepestObject) Fail("nested too deeply");
     if (event == Event::object_start) m_Open.emplace_back();
     if (event == Event::object_end) m_Open.pop_back();
@@ -52,6 +56,7 @@ class KeyGuard {
     if (!m_Open.back().insert(key).second) Fail("the key " + Quoted(key) + " stands twice");
   }
 
+  std::size_t m_Events = 0;
   std::vector<std::set<std::string>> m_Open;
 };
 
