@@ -3,10 +3,14 @@
 #include <cstddef>
 
 // Compilers make vector code of the loops below only for processors that can shuffle bytes, and not
-// every x86-64 can. There each loop is compiled once for each kind of processor, and the loader
-// picks.
+// every x86-64 can, nor every 32-bit ARM. There each loop is compiled once for each kind of
+// processor, for ARM by hand, and the loader picks.
 #if defined(__x86_64__) && defined(__GLIBC__)
 #define COPY_PER_PROCESSOR __attribute__((target_clones("avx2", "ssse3", "default")))
+#elif defined(__ARM_PCS_VFP) && !defined(__ARM_NEON) && defined(__GLIBC__) && !defined(__clang__)
+#include <sys/auxv.h>
+#define COPY_PER_PROCESSOR __attribute__((always_inline)) inline
+#define COPY_FOR_NEON __attribute__((target("fpu=neon")))
 #else
 #define COPY_PER_PROCESSOR
 #endif
@@ -35,6 +39,34 @@ void Reverse888(const unsigned char* source, unsigned char* rgb, std::size_t pix
   }
 }
 
+#ifdef COPY_FOR_NEON
+
+COPY_FOR_NEON
+void Widen565Neon(const unsigned char* source, unsigned char* rgb, std::size_t pixels) {
+  Widen565(source, rgb, pixels);
+}
+
+COPY_FOR_NEON
+void Reverse888Neon(const unsigned char* source, unsigned char* rgb, std::size_t pixels) {
+  Reverse888(source, rgb, pixels);
+}
+
+// `processor` is the kernel's AT_HWCAP.
+extern "C" UnpackRow Pick565(unsigned long processor) {
+  return (processor & HWCAP_ARM_NEON) != 0 ? &Widen565Neon : &Widen565;
+}
+
+extern "C" UnpackRow Pick888(unsigned long processor) {
+  return (processor & HWCAP_ARM_NEON) != 0 ? &Reverse888Neon : &Reverse888;
+}
+
+}  // namespace
+
+__attribute__((ifunc("Pick565"))) void Unpack565(const unsigned char*, unsigned char*, std::size_t);
+__attribute__((ifunc("Pick888"))) void Unpack888(const unsigned char*, unsigned char*, std::size_t);
+
+#else
+
 }  // namespace
 
 void Unpack565(const unsigned char* source, unsigned char* rgb, std::size_t pixels) {
@@ -44,3 +76,5 @@ void Unpack565(const unsigned char* source, unsigned char* rgb, std::size_t pixe
 void Unpack888(const unsigned char* source, unsigned char* rgb, std::size_t pixels) {
   Reverse888(source, rgb, pixels);
 }
+
+#endif
