@@ -99,6 +99,11 @@ void* aligned_alloc(std::size_t alignment, std::size_t size) {
   return Fails(Calls::Memory) ? nullptr : Counted(__libc_memalign(alignment, size));
 }
 
+int posix_memalign(void** block, std::size_t alignment, std::size_t size) {
+  *block = aligned_alloc(alignment, size);
+  return *block ? 0 : ENOMEM;
+}
+
 void free(void* block) {
   if (block) --s_LiveBlocks;
   __libc_free(block);
@@ -132,6 +137,10 @@ int mkdir(const char* path, mode_t mode) noexcept { return Attempt(&mkdir, "mkdi
 
 int stat64(const char* path, struct stat64* status) noexcept {
   return Attempt(static_cast<int (*)(const char*, struct stat64*)>(&stat64), "stat64", -1, path, status);
+}
+
+int statx(int directory, const char* path, int flags, unsigned mask, struct statx* status) noexcept {
+  return Attempt(&statx, "statx", -1, directory, path, flags, mask, status);
 }
 
 void jpeg_CreateCompress(j_compress_ptr info, int version, std::size_t size) {
