@@ -12,10 +12,9 @@ namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
 
 TEST(Life, RegistersEachNameOnceAndInOrder) {
-  std::string registered;
-  const Bench bench;
-  for (const auto& line : bench.host.Registered()) registered += line + '\n';
-  EXPECT_EQ(registered, ReadFile(DATA "/registrations.txt"));
+  Lines expected;
+  for (const auto& row : ReadRows("registrations.txt")) expected.push_back(row[0]);
+  EXPECT_EQ(Bench().host.Registered(), expected);
 }
 
 TEST(Life, ReadsEachParameterInOrderByItsAccessor) {
