@@ -9,10 +9,10 @@
 #include <memory>
 #include <string>
 
-// Ends the process, as a fuzzer wants it, when what must hold does not.
+// Aborts when `holds` is false, which a fuzzer takes for a failure. `what` says what should hold.
 void Require(bool holds, const char* what, const std::string& text = {});
 
-// The text as a parser reads it that the stand-in does not use; null when it is not well-formed.
+// Parses with libxml2, which the stand-in does not use. Null when the text is not well-formed.
 using XmlDocument = std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)>;
 XmlDocument ParseXml(const std::string& xml);
 

@@ -13,7 +13,7 @@ class Input {
 
   unsigned char Byte() { return AtEnd() ? 0 : static_cast<unsigned char>(m_Bytes[m_At++]); }
 
-  // Up to a backslash and the byte behind it; two backslashes stand for one in the text.
+  // The text ends at a backslash and the byte after it. Two backslashes stand for one in the text.
   std::string Text() {
     std::string text;
     while (!AtEnd()) {

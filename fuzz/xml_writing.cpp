@@ -7,7 +7,7 @@ namespace {
 
 const xmlChar* Chars(const std::string& text) { return reinterpret_cast<const xmlChar*>(text.c_str()); }
 
-// The characters of a text as they come back when it is written once.
+// The characters that a parser reads back from a text that the stand-in has written.
 std::string ReadBack(const std::string& text) {
   const std::string xml = TqXML::CreateXmlNode("a", text)->GetXmlString();
   const XmlDocument document = ParseXml(xml);
@@ -23,7 +23,7 @@ std::string ReadBack(const std::string& text) {
 
 }  // namespace
 
-// Builds a tree twice, here and with the other library, adding anywhere.
+// Builds the same tree in the stand-in and in libxml2, adding children to any element, and compares.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto root = TqXML::CreateXmlNode("r", "");
   const XmlDocument model(xmlNewDoc(nullptr), &xmlFreeDoc);

@@ -6,7 +6,7 @@
 
 namespace {
 
-// False, and no bytes, when the text is not base64 from end to end.
+// Returns false and leaves `bytes` empty when not all of the text is valid base64.
 bool DecodeStrictly(const std::string& text, std::string& bytes) {
   bytes.resize(modp_b64_decode_len(text.size()));
   const std::size_t size = modp_b64_decode(bytes.data(), text.data(), text.size());
@@ -23,7 +23,7 @@ Base64Encoder::Base64Encoder() = default;
 
 Base64Encoder::~Base64Encoder() = default;
 
-// Most texts have no spaces: they are looked for when the text is not valid as it is.
+// Most texts have no spaces, so it first tries to decode the text as it is.
 std::string Base64Encoder::Base64Decode(const std::string& text) {
   std::string bytes;
   if (DecodeStrictly(text, bytes)) return bytes;

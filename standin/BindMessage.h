@@ -12,8 +12,8 @@ namespace standin {
 
 class BindMessage final : public Counted<BindMessage, IBindMessage> {
  public:
-  // `name` is what the message is dispatched by. Without a text of its own, `xml`, the message
-  // makes one of its name and its parameters.
+  // The name decides which handler gets the message. `xml` is the whole message as text; without it
+  // GetXml builds the text from the name and the parameters.
   BindMessage(std::string name, std::string command, Params params, std::optional<std::string> xml);
 
   static const BindMessage& Of(const IBindMessage& message);  // as in OwnOf.h
@@ -30,7 +30,7 @@ class BindMessage final : public Counted<BindMessage, IBindMessage> {
   ~BindMessage() = default;
   friend class Counted<BindMessage, IBindMessage>;
 
-  // Tells the observer of the host that is calling its driver.
+  // Reports the read to the observer.
   std::string Read(Observer::Accessor accessor, const std::string& name) const;
 
   const std::string m_Name;

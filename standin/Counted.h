@@ -7,11 +7,12 @@
 
 namespace standin {
 
-// The process's counts of objects handed out.
+// Counts the objects of the whole process.
 extern Ledger s_Ledger;
 
-// The reference count of a host object, which starts with its maker's reference, and its entry in
-// the ledger. A use after the last reference is told while the remains are there.
+// The reference count of a host object, and its entry in the ledger. The count starts at 1, for the
+// caller that made the object. A use after the last reference is reported for as long as Remains.h
+// keeps the object.
 template <class Object, class Interface>
 class Counted : public Interface, private Remains {
  public:
@@ -40,7 +41,7 @@ class Counted : public Interface, private Remains {
   explicit Counted(std::size_t Ledger::*kind) : Remains(&Destroy), m_Kind(kind) {
     ++(s_Ledger.*m_Kind);
   }
-  // Of an object whose construction fails, too.
+  // The count is above 0 when the constructor of the object throws.
   ~Counted() {
     if (m_References > 0) --(s_Ledger.*m_Kind);
   }

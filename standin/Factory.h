@@ -2,7 +2,7 @@
 
 namespace standin {
 
-// What a host makes for its driver; a test may let it make none.
+// The kinds of objects that a host makes for its driver. A test can make each of them fail.
 enum class Factory : unsigned { Node, Document, CommandMessage, Clone, BindMessage };
 
 }  // namespace standin

@@ -18,21 +18,21 @@
 #include <vector>
 
 // A stand-in for the controller's driver host: it loads a plug-in, delivers messages to its driver
-// and tells an observer what comes out. Everything runs on the caller's thread, and only one thread
-// of the process may be in here at a time. Texts are bytes; XML that leaves the stand-in is
+// and reports what comes out to an observer. Everything runs on the caller's thread; the process
+// may use the stand-in on one thread at a time. Texts are bytes; XML that leaves the stand-in is
 // well-formed XML 1.0 in UTF-8.
 namespace standin {
 
 class Services;
 
-// The part of a driver host that serves one driver, which derives from TqBaseProxyDriver. Calls
-// into the driver let its exceptions through. After Destroy, no operation that calls the driver may
-// be called.
+// The host of one driver. The driver has to derive from TqBaseProxyDriver. An exception of the
+// driver comes out of the operation that called it. After Destroy, call no operation that needs the
+// driver.
 class HOST_API Host {
  public:
   // Creates the driver, not yet initialized. `imageRoot` is what the path service answers, with its
   // separator at the end; without it the host has no path service. `plugin` and `observer` are
-  // borrowed and outlive the host. Throws std::runtime_error when the plug-in makes none.
+  // borrowed and outlive the host. Throws std::runtime_error when the plug-in makes no driver.
   Host(const Plugin& plugin, Observer& observer, std::optional<std::string> imageRoot);
   ~Host();
   Host(const Host&) = delete;
@@ -50,26 +50,26 @@ class HOST_API Host {
   // Makes a user-interface request.
   void Request(const ICmdMessage& request);
 
-  // Makes a binding to a device, and breaks it. The device behind the driver's proxy binding states
-  // these capabilities from now on.
+  // Makes a binding to a device, and breaks it. When the binding is the one to the driver's bound
+  // device, ExtractCapability answers from `capabilities` from now on.
   void Bind(unsigned long bindingId, const std::string& className,
             std::map<std::string, std::string> capabilities);
   void Unbind(unsigned long bindingId, const std::string& className);
 
-  // The bindings that the base class knows to be made, each with its class.
+  // The bindings that exist, each with its class.
   const std::map<unsigned long, std::string>& Bindings() const;
 
-  // The outputs that the room-output service answers from now on for kind 2, the one that drivers
-  // ask for; 0 for a room not named and for other kinds.
+  // Sets the output of each room for the room-output service. It answers 0 for a room that is not
+  // named, and for any kind but 2.
   void SetRooms(std::map<unsigned long, unsigned long> outputs);
 
-  // Asks for the state to persist.
+  // Asks the driver for the state that it wants kept over a restart.
   void Persist();
 
-  // Drops the driver's last reference. Nothing when it is gone already.
+  // Releases the driver, which destroys it. Does nothing when called again.
   void Destroy();
 
-  // From now on the factory yields an empty holder, or works again.
+  // With `fails`, the factory returns an empty holder from now on; without, it works again.
   void SetFault(Factory factory, bool fails);
 
   // What the driver has registered, in that order: "binding ID" for its bound device, "notification

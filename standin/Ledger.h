@@ -6,7 +6,7 @@
 
 namespace standin {
 
-// How many host objects are in somebody's hands, by kind, in the whole process.
+// How many host objects of each kind somebody still holds, in the whole process.
 struct Ledger {
   std::size_t nodes;
   std::size_t documents;

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <string>
 
-// A line that is written outside any call of a host into its driver is nobody's and is dropped.
+// A line that is logged while no host calls its driver has no observer to go to, and is dropped.
 void LogXMessage(unsigned int level, const char* format, ...) {
   auto* services = standin::Services::Current();
   if (!services) return;

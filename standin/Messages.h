@@ -10,10 +10,10 @@
 
 namespace standin {
 
-// The messages to deliver; a host takes no others. One may be delivered any number of times. Each
-// has one reference, the caller's.
+// These make the messages for Host, which refuses any others. A message can be delivered any number
+// of times. Each starts with one reference, the caller's.
 
-// The types of the parameters are not used.
+// A notification does not use the types of its parameters.
 HOST_API tq::auto_com<IBindMessage> MakeNotification(const std::string& name, Params params);
 
 // `xml` is the whole message: the children of its root are the parameters, and a root `command`

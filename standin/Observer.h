@@ -9,9 +9,9 @@
 namespace standin {
 
 // Hears what a driver does, in the order in which it happens, from inside the call that causes it.
-// Everything is borrowed for the call. What an observer throws passes through the driver to the
-// caller of the host, with one exception: when OnVariable throws for a variable that is removed
-// while the driver is destroyed, it is up to the driver's destructor to catch it.
+// Everything is borrowed for the call. What an observer throws goes through the driver and comes
+// out of the host's operation. There is one exception: the driver's destructor removes its
+// variables, and has to catch what OnVariable throws then.
 class HOST_API Observer {
  public:
   enum class Change { Added, Changed, Removed };
@@ -19,7 +19,7 @@ class HOST_API Observer {
 
   virtual ~Observer();
 
-  // `value` is the one that the variable has then; for a removed one, the last.
+  // `value` is the variable's value after the change; for a removed variable, its last value.
   virtual void OnVariable(Change change, unsigned long id, const std::string& name,
                           const std::string& value) = 0;
   virtual void OnEvent(unsigned long id) = 0;

@@ -6,8 +6,8 @@
 
 namespace standin {
 
-// The stand-in's own object behind an interface. Throws std::logic_error, which calls it `what`,
-// for an object of somebody else's making: the stand-in works only on objects that it has made.
+// Casts an interface to the stand-in's own class behind it. The stand-in can use only objects that
+// it has made: for any other, this throws std::logic_error, whose text calls the object `what`.
 template <class Own, class Interface>
 Own& OwnOf(Interface& object, const char* what) {
   if (typeid(object) == typeid(Own)) return static_cast<Own&>(object);

@@ -12,7 +12,7 @@ struct Param {
   std::string type = "STRING";
 };
 
-// In the order of the message; a name may stand more than once.
+// The parameters in the order of the message. A name can occur more than once.
 using Params = std::vector<Param>;
 
 }  // namespace standin

@@ -7,11 +7,11 @@
 
 namespace standin {
 
-// A loaded plug-in. Outlives the hosts that use it.
+// A loaded plug-in. It has to outlive the hosts that use it.
 class HOST_API Plugin {
  public:
-  // Throws std::runtime_error, whose text says why, when the file cannot be loaded, needs a symbol
-  // that nobody has, or exports no GetCreationFunc.
+  // Throws std::runtime_error, whose text says why, when the file cannot be loaded, when a symbol
+  // that it needs is missing, or when it exports no GetCreationFunc.
   explicit Plugin(const std::string& file);
   ~Plugin();
   Plugin(const Plugin&) = delete;

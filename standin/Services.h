@@ -23,7 +23,8 @@ class Services final : public IInstanceManager, public IHostPaths, public IRoomO
     std::string value;
   };
 
-  // Makes `services` the current ones for the life of the object.
+  // While a Scope exists, Current() returns its services. A host makes one for each call into its
+  // driver.
   class Scope {
    public:
     explicit Scope(Services& services);
@@ -39,10 +40,10 @@ class Services final : public IInstanceManager, public IHostPaths, public IRoomO
 
   static Services& Of(IInstanceManager& im);  // as in OwnOf.h
 
-  // Those of the host that is calling into its driver; null outside such a call.
+  // The services of the host that is calling its driver; null outside such a call.
   static Services* Current();
 
-  // Whether the current host's factory is to yield nothing.
+  // Whether the factory of the current host has to fail.
   static bool Fails(Factory factory);
 
   bool GetInstance(const char* guid, void** out) override;
@@ -50,8 +51,9 @@ class Services final : public IInstanceManager, public IHostPaths, public IRoomO
   unsigned long GetOutputForRoom(unsigned long roomId, int kind) override;
 
   Observer& observer;
-  // Of the device that is being bound; of the one that is.
+  // Of the device that Bind is about to bind.
   std::map<std::string, std::string> offered;
+  // Of the bound device.
   std::map<std::string, std::string> capabilities;
   std::map<unsigned long, std::string> bindings;
   std::map<unsigned long, unsigned long> rooms;

@@ -2,9 +2,8 @@
 
 #include <string>
 
-// What the base class does with the host's calls that concern neither messages nor variables: the
-// stand-in has no project, no rooms' audio and video, no network and no timers, and answers with
-// nothing.
+// The host's calls that concern neither messages nor variables. The stand-in has no project, no
+// audio and video in rooms, no network and no timers, so these do nothing and answer with nothing.
 
 namespace {
 

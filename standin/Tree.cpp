@@ -67,7 +67,7 @@ std::string Element::GetXmlString() const {
   }
 }
 
-// Of an element without children the head is all.
+// The head of an element without children is the whole element.
 void Element::AppendHead(std::string& xml) const {
   if (m_Name.empty()) {
     xml += m_Content;

@@ -13,7 +13,7 @@ namespace standin {
 
 class Tree;
 
-// An element of a tree. It lives as long as the tree, and a reference to it is one to the tree.
+// An element of a tree. It lives as long as the tree: its reference count is the tree's.
 class Element final : public TqXML::INode {
  public:
   // An element without a name. `parent` is null for the root.
@@ -47,7 +47,7 @@ class Element final : public TqXML::INode {
   Element* m_LastChild = nullptr;
   Element* m_Next = nullptr;  // the next child of the parent
 
-  // The content is the text before the children. Both are kept by the tree.
+  // The content is the text before the children. The bytes of both belong to the tree.
   std::string_view m_Name;
   std::string_view m_Content;
 };
@@ -58,8 +58,8 @@ class Tree final : public Counted<Tree, TqXML::IDocument> {
   // An element without a name.
   Tree();
 
-  // An element that was read from XML text. Its own text and what stood in it are not looked into:
-  // the root keeps them, up to the end tag, as XML text in its content and has no name.
+  // An element that was read from XML text. It is not taken apart, so that it comes out as it came
+  // in: the root has no name, and its content is the text up to the end tag.
   explicit Tree(std::string_view text);
 
   TqXML::INode& GetRootNode() override { return m_Root; }
@@ -67,7 +67,7 @@ class Tree final : public Counted<Tree, TqXML::IDocument> {
  private:
   friend class Element;
 
-  // Gives a root that was read as an empty element a start tag and an end tag.
+  // Turns a root that was read as "<name/>" into "<name></name>", so that children fit in.
   void OpenRoot();
 
   // A copy that lives as long as the tree.
@@ -78,7 +78,7 @@ class Tree final : public Counted<Tree, TqXML::IDocument> {
   Element m_Root;
   std::string_view m_RootEnd;  // of a root that was read: its end tag, or "/>"
 
-  // Bytes of the root's text, if nothing in it needs to be escaped.
+  // How many bytes the root's text takes if no character in it needs an escape.
   std::size_t m_TextSize = 0;
 };
 

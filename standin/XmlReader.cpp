@@ -15,8 +15,8 @@ namespace standin {
 
 namespace {
 
-// Gathers what the parser reports. Its handlers may throw: the parser is stopped, and the exception
-// goes on when the parser has returned.
+// Gathers what the parser reports. When a handler throws, the parser, which is written in C, is
+// stopped, and the exception is thrown again after the parser has returned.
 class Gatherer {
  public:
   explicit Gatherer(const std::string& xml) : m_Xml(xml), m_Parser(XML_ParserCreate("UTF-8")) {
@@ -79,7 +79,7 @@ class Gatherer {
     if (m_Depth == 0) m_Begin = Position();
     if (m_Depth < 2) {
       m_Content.elements.push_back({name, {}, {}});
-      // Behind those of the tag come the defaults that the document declares.
+      // After the attributes of the tag, the parser lists defaults that the document declares.
       const int stated = usesOwnEntities ? 0 : XML_GetSpecifiedAttributeCount(m_Parser.get());
       for (int i = 0; i < stated; i += 2) {
         m_Content.elements.back().attributes.emplace_back(attributes[i], attributes[i + 1]);
@@ -103,7 +103,8 @@ class Gatherer {
     Text(text);
   }
 
-  // Whether the start tag uses any; the parser has expanded them in what it reports.
+  // Returns whether the start tag refers to an entity that the document declares. The parser
+  // reports the attributes with such references replaced.
   bool EscapeOwnEntities(std::string_view tag) {
     static constexpr std::array<std::string_view, 6> known = {"&amp;",  "&lt;",   "&gt;",
                                                               "&quot;", "&apos;", "&#"};

@@ -12,7 +12,8 @@ namespace standin {
 struct XmlContent {
   struct Element {
     std::string name;
-    // Those of the start tag itself; none if own entities are in it.
+    // As the start tag states them. None when the tag refers to an entity that the document
+    // declares.
     std::vector<std::pair<std::string, std::string>> attributes;
     std::string text;  // of the element and of all that is below it
 
@@ -20,15 +21,16 @@ struct XmlContent {
     std::string Attribute(const std::string& attribute) const;
   };
 
-  // The root as it stands in the text, but readable without the document's declarations: where it
-  // refers to an entity of the document's own, the '&' is escaped.
+  // The root's text as it stands in the document, with one change: where it refers to an entity
+  // that the document declares, '&' is written "&amp;", so that the root can be read on its own.
   std::string root;
 
   std::vector<Element> elements;  // the root, then its children
 };
 
-// Reads XML 1.0 in UTF-8, whatever encoding it declares. Nothing when it is not well-formed. Reads
-// no external entity; references to the document's own entities stay as they are.
+// Reads XML 1.0 in UTF-8, whatever encoding it declares. Returns nothing when the text is not
+// well-formed. External entities are not read; references to entities that the document declares
+// are not replaced.
 std::optional<XmlContent> ReadXml(const std::string& xml);
 
 }  // namespace standin

@@ -19,7 +19,8 @@ bool IsCharacter(std::string_view sequence) {
   return sequence != "\xEF\xBF\xBE" && sequence != "\xEF\xBF\xBF";
 }
 
-// How a byte is written: as it is, in place of it, or by the sequence that it begins.
+// How a byte is written: as it is, as another text in its place, or as part of the UTF-8 sequence
+// that it begins.
 enum class Writing : unsigned char { Same, InPlace, Sequence };
 
 struct Escapes {
@@ -50,7 +51,7 @@ struct Escapes {
 
 constexpr Escapes s_Escapes;
 
-// The length of the head of `text` that is written as it is.
+// How many bytes from the start of `text` are written as they are.
 std::size_t PlainLength(std::string_view text) {
   const auto writing = [](char c) { return s_Escapes.writing[static_cast<unsigned char>(c)]; };
   const auto isOther = [=](char c) { return writing(c) != Writing::Same; };
@@ -106,7 +107,8 @@ void AppendText(std::string& xml, std::string_view text) {
   }
 }
 
-// A parser makes blanks of the tabs and line breaks of an attribute, unless they are references.
+// A parser turns a tab or line break in an attribute into a blank, unless it is written as a
+// character reference.
 void AppendAttribute(std::string& xml, std::string_view name, std::string_view text) {
   xml.append(" ").append(name).append("=\"");
   for (;;) {

@@ -34,7 +34,7 @@ struct Grouping : std::numpunct<char> {
   std::string do_grouping() const override { return "\3"; }
 };
 
-// A process that groups digits, in the C locale that the environment names.
+// Sets the locale that the environment names, if any, and a C++ locale that groups digits.
 class Surroundings : public testing::Environment {
   void SetUp() override {
     const char* name = std::getenv("MEDIAPROXY_TEST_LOCALE");
@@ -196,7 +196,7 @@ std::vector<std::vector<std::string>> ReadRows(const std::string& name) {
 std::string Descriptors() {
   std::string open;
   std::error_code gone;
-  for (int i = 0; i < 64; ++i) {  // one that is lost takes a low number
+  for (int i = 0; i < 64; ++i) {  // a leaked descriptor has a low number
     const auto file = fs::read_symlink("/proc/self/fd/" + std::to_string(i), gone);
     if (!gone) open += std::to_string(i) + ' ' + file.string() + '\n';
   }

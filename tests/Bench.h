@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-// Traffic as one line a piece; every document in it has been read by a parser of its own.
+// Keeps the traffic, each record as one line. Documents have to be well-formed for another parser.
 class Recorder : public standin::Observer {
  public:
   std::vector<std::string> lines;
@@ -58,7 +58,7 @@ class Bench {
   standin::Host host;
 };
 
-// A notification of tests/notifications.txt: its parameters, each behind "text " or "value ".
+// A notification of tests/notifications.txt. Each of `reads` is "text NAME" or "value NAME".
 struct Notification {
   std::string name;
   std::vector<std::string> reads;
@@ -78,7 +78,8 @@ std::vector<Message> Messages(const std::string& text);
 std::string MakeDirectory();
 std::string ReadFile(const std::string& path);
 
-// The lines of a table in tests/, without blank ones and those that begin with #, cut at each tab.
+// The rows of a table in tests/, cut into columns at each tab. Blank lines and lines that begin
+// with # are left out.
 std::vector<std::vector<std::string>> ReadRows(const std::string& name);
 
 // The open descriptors and what they are open on.

@@ -20,7 +20,7 @@
 
 namespace {
 
-// Plain data: allocation begins before any constructor has run.
+// Plain data, because malloc is called before any constructor has run.
 struct {
   bool armed;
   Calls calls;
@@ -40,7 +40,7 @@ bool Fails(Calls calls) {
   return true;
 }
 
-// The function that this program's own one hides.
+// The library's function of that name, which the one in this program hides.
 template <class Result, class... Parameters>
 auto Real(Result (*)(Parameters...), const char* name) {
   return reinterpret_cast<Result (*)(Parameters...)>(dlsym(RTLD_NEXT, name));
@@ -110,7 +110,7 @@ void free(void* block) {
 }
 }
 
-// The parser with which the tests read documents takes no part.
+// Faults are not for libxml2, with which the tests read documents.
 const int s_Parser = xmlMemSetup(&__libc_free, &__libc_malloc, &__libc_realloc, [](const char* text) {
   const std::size_t size = std::strlen(text) + 1;
   return static_cast<char*>(std::memcpy(__libc_malloc(size), text, size));

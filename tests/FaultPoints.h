@@ -3,16 +3,16 @@
 #include <functional>
 #include <string>
 
-// Fallible calls of this program and of the libraries in it, made to fail by number. Memory: malloc and its
-// kin (under the address sanitizer, operator new). Files: fopen, fwrite, fclose, mkdir, stat.
+// Calls of this program and its libraries that can be made to fail. Memory: malloc and the like (under the address
+// sanitizer only operator new). Files: fopen, fwrite, fclose, mkdir, stat.
 enum class Calls { Memory, Files };
 
-// Runs what it is given with the fault in force. False when std::bad_alloc came out.
+// Runs a function while the fault is active. Returns false when std::bad_alloc came out.
 using Armed = std::function<bool(const std::function<void()>&)>;
 
-// Runs `round` with the first call of that kind failing, with the second, and so on to the end; then with all
-// calls from the first on failing, from the second on, and so on. Each round has to leave as many blocks
-// allocated and as many descriptors open as there were. Returns how many points it has passed.
+// Runs `round` again and again. In the first series one call of that kind fails: the first call, then the second, and
+// so on to the last. In the second series that call and all after it fail. After each round there have to be as many
+// allocated blocks and open descriptors as before. Returns how many calls were made to fail.
 unsigned long Sweep(Calls calls, int error, const std::function<void(const Armed&)>& round);
 
 // The blocks that malloc and the like have given out and nobody has freed.

@@ -42,7 +42,7 @@ class Faults : public testing::Test {
     if (!recorder.lines.empty()) outcome.last = recorder.lines.back();
     outcome.after = Report(host, recorder);
 
-    // The next messages are none the worse for it.
+    // The next messages have to work as if nothing had failed.
     Ntf("ADD_LIST_ITEM", {{"last", "True"}})(host);
     outcome.list = recorder.Take().at(0);
     message(host);
@@ -73,7 +73,7 @@ class Faults : public testing::Test {
       if (message.what != "bound") {
         EXPECT_TRUE(outcome.after == m_Whole.before || outcome.after == m_Whole.after) << outcome.after;
       }
-      // In a binding each flag and list is old or new on its own.
+      // Each flag and list of a binding may be old or new, whatever the others are.
       std::istringstream old(m_Whole.before), made(m_Whole.after), now(outcome.after);
       for (std::string a, b, c; std::getline(now, c, '>') && std::getline(old, a, '>') && std::getline(made, b, '>');) {
         EXPECT_TRUE(c == a || c == b) << c;
@@ -123,7 +123,7 @@ TEST_F(Faults, EveryCallOfALifeFails) {
     EXPECT_TRUE(!finished || fs::exists(m_Root + "ipod/7") || lines[0] == "not loaded" || lines[2] == failed);
     EXPECT_TRUE(standin::GetLedger().Empty());
   };
-  // The loader cannot take up a library again whose loading has failed for want of memory.
+  // After a failed allocation in the loader, the same process cannot load the library again.
   [[maybe_unused]] const auto liveInOwnProcess = [&](const Armed& armed) {
     const pid_t child = fork();
     if (child == 0) {

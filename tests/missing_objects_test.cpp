@@ -16,8 +16,8 @@ TEST(Reset, ChangesOnlyItsCopyAndPassesTheReturnHolderOn) {
   EXPECT_EQ(bench.recorder.lastReturn, nullptr);
 }
 
-// What the host cannot make is not used: the texts are kept where they would have been, nothing is
-// sent, and the next document is whole.
+// When the host cannot make an object, nothing is sent, the driver still keeps the texts, and the
+// next document is complete.
 TEST(MissingObjects, AreNotUsed) {
   const Step query = Cmd("QUERY_CURRENT_SETTINGS");
   using Texts = std::vector<std::string>;

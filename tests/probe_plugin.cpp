@@ -1,4 +1,4 @@
-// A plug-in whose driver does on command what media.so never does.
+// A plug-in for tests of the stand-in. On command, its driver does what media.so never does.
 
 #include "host/TqBaseProxyDriver.h"
 

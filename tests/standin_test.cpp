@@ -15,7 +15,7 @@ TEST(Node, KeepsTheOrderOfAdding) {
   EXPECT_EQ(c->GetXmlString(), "<c>v</c>");
   EXPECT_EQ(node->GetXmlString(), "<a><b><c>v</c></b><d>True</d></a>");
 
-  // Behind an element that others have followed.
+  // Now to elements that already have others after them.
   c->AddNamedValue("e", "1");
   auto* f = XmlHelper::AddChild(*b, "f", "");
   f->AddNamedValue("g", "2");
@@ -110,7 +110,7 @@ class Probe : public testing::Test {
   standin::Host m_Host{m_Plugin, m_Recorder, "/"};
 };
 
-// Of the two handlers that it has for the name, the first would fail.
+// The name is registered twice; the first handler would throw.
 TEST_F(Probe, ReadsABoundCallBackAsTheCommand) {
   Cmd("ROUND \"TRIP\"\t\n<&>", {{"\"'\r\n\t ", " \"\r\n\t<", "I&\""}, {"\xFF\"", "", "INTEGER"}})(m_Host);
   EXPECT_EQ(m_Recorder.lines, (std::vector<std::string>{"ROUND \"TRIP\"\t\n<&>", "\"'\r\n\t |I&\"| \"\r\n\t<",

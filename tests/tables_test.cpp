@@ -39,7 +39,7 @@ std::size_t Slot(Function function) {
 
 }  // namespace
 
-// Stands before the stand-in's own, which does not look at the flags.
+// The plug-in finds this one before the stand-in's own, which ignores the flags.
 void TqBaseProxyDriver::ExecuteCommand(const ICmdMessage& command, ICmdReturn* ret, unsigned long flags) {
   using Function = void (*)(TqBaseProxyDriver*, const ICmdMessage&, ICmdReturn*, unsigned long);
   constexpr const char* name = "_ZN17TqBaseProxyDriver14ExecuteCommandERK11ICmdMessageP10ICmdReturnm";

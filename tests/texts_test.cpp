@@ -56,7 +56,7 @@ TEST(Texts, ReachEveryDocumentWhateverTheirBytes) {
     bench(Ntf("NEW_LIST"));
     for (const auto& notification : ReadNotifications()) {
       SCOPED_TRACE(notification.name + ": " + text.sent.substr(0, 40));
-      // A mark before each text tells the values apart, and the rooms' trimming from a loss.
+      // The mark around each text says which value it is, and keeps blanks at its ends from being trimmed.
       const auto mark = [&](std::size_t i) { return notification.name + std::to_string(i) + ':' + text.sent + '.'; };
       Ntf(notification.name, notification.Params(mark))(bench.host);
       for (const Step& step : others) step(bench.host);
