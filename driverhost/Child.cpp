@@ -66,6 +66,7 @@ void Become(char** arguments, const Pipe& input, const Pipe& output, pid_t paren
 
 Child StartChild(const std::vector<std::string>& command) {
   std::vector<char*> arguments;
+  arguments.reserve(command.size() + 1);
   for (const std::string& argument : command) {
     arguments.push_back(const_cast<char*>(argument.c_str()));
   }
