@@ -94,9 +94,9 @@ def flac(path, seconds, picture=None, **tags):
 
 
 class Mpd:
-    """A real MPD with four songs: A embeds a JPEG that fits, B one that is too large, C lies beside a PNG, D is bare."""
+    """A real MPD: A embeds a JPEG that fits, B one that is too large, C and E lie beside a PNG, D is bare; E is not queued."""
 
-    A, B, C, D = ("song:Élodie/Café/A.flac", "song:Élodie/Café/B.flac", "song:水/C.flac", "song:ليلة/D.flac")
+    A, B, C, D, E = ("song:Élodie/Café/A.flac", "song:Élodie/Café/B.flac", "song:水/C.flac", "song:ليلة/D.flac", "song:水/E.flac")
 
     def __init__(self, top):
         self.top, self.host, self.process = top, top / "socket", None
@@ -104,7 +104,9 @@ class Mpd:
              ALBUM=["Café"])
         flac(top / "music/Élodie/Café/B.flac", 300, jpeg(900, 450), TITLE=['"B" \\ <&>'], ARTIST=["Élodie"], ALBUM=["Café"])
         flac(top / "music/水/C.flac", 300, TITLE=["くらげ"], ARTIST=["水無瀬"], ALBUM=["夜"])
+        flac(top / "music/水/E.flac", 300)
         (top / "music/水/cover.png").write_bytes(png(900, 450))
+        (top / "music/Élodie/Café/cover.png").write_bytes(png(64, 64))
         flac(top / "music/ليلة/D.flac", 300)
         (top / "lists").mkdir()
         (top / "lists/Liste.m3u").write_text("水/C.flac\n")
@@ -195,7 +197,7 @@ def browsing(mpd):
                 ({"ID": "album-of:A%2FC 5%25/Café"}, ["Café", "1", "1", "0", "True"], [a]),
                 ({"ID": "albums", "FIRST": "1"}, ["Albums", "3", "2", "1", "False"], [("album:Café", "Café"), ("album:夜", "夜")]),
                 ({"ID": "album:Café", "COUNT": "1"}, ["Café", "2", "1", "0", "True"], [a]),
-                ({"ID": "album:"}, ["Unknown", "1", "1", "0", "True"], [bare]),
+                ({"ID": "album:"}, ["Unknown", "2", "2", "0", "True"], [bare, (mpd.E, "E.flac")]),
                 ({"ID": "folders", "COUNT": "2"}, ["Folders", "4", "2", "0", "True"], [("folder:Élodie", "Élodie"), ("folder:ليلة", "ليلة")]),
                 ({"ID": "folder:Élodie/Café"}, ["Café", "2", "2", "0", "True"], [a, b]),
                 ({"ID": "playlists"}, ["Playlists", "1", "1", "0", "True"], [("playlist:Liste", "Liste")]),
@@ -226,6 +228,12 @@ def pictures(mpd):
             elif uri == mpd.C:
                 one = {"rgb565": b"\x02\xfc", "rgb888": b"\x10\x80\xff\xff"}[kind]
                 assert data == one * width * height, data[:8]
+            if uri == mpd.C:
+                d.say("PLAY", ID=mpd.E)
+                d.wait("MEDIA_INFO_CHANGED", "E.flac", "", "")
+                told = [d.list("BROWSE", ID="albums") and d.seen.count([*found[:1], *[v[:60] for v in found[1:]]]) for _ in "ab"]
+                assert told == [1, 1], "the same picture is told twice"
+                mpd.mpc("del", "5")
             d.say("PLAY", ID=mpd.D)
             assert d.next("NEW_COVERART", "COVERART_PATH_CHANGED") == ["COVERART_PATH_CHANGED", "", "0", "0"]
     mpd.mpc("stop")

@@ -64,12 +64,9 @@ void CoverArt::OnPair(std::string_view name, std::string_view value) {
     m_PieceSize = value.size();
     m_Bytes += value;
   } else if (name == "size") {
-    const std::uint64_t before = m_Size;
     const auto [end, fault] = std::from_chars(value.data(), value.data() + value.size(), m_Size);
     if (fault != std::errc() || end != value.data() + value.size() || m_Size > s_LargestFile) {
       m_Fault = "MPD says that it has " + Quoted(value) + " bytes";
-    } else if (!m_Bytes.empty() && m_Size != before) {
-      m_Fault = "its size has changed";
     }
   }
 }
