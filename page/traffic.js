@@ -212,13 +212,12 @@ export class Traffic {
       row.remove();
       this.#rows.delete(number);
     }
+    let next = this.#body.firstChild;
     for (const [number, index] of wanted) {
-      let row = this.#rows.get(number);
-      if (!row) {
-        row = this.#makeRow(this.#view[index]);
-        this.#rows.set(number, row);
-        this.#body.append(row);
-      }
+      const row = this.#rows.get(number) || this.#makeRow(this.#view[index]);
+      this.#rows.set(number, row);
+      if (row === next) next = next.nextSibling;
+      else this.#body.insertBefore(row, next);
       row.style.transform = `translateY(${index * this.#rowHeight}px)`;
       row.setAttribute('aria-rowindex', index + 1);
       row.setAttribute('aria-selected', number === this.#selected);
