@@ -1,5 +1,6 @@
 #include "driverhost/CommandLine.h"
 
+#include "driverhost/HttpServer.h"
 #include "driverhost/NearestWord.h"
 #include "driverhost/Number.h"
 #include "driverhost/Verdict.h"
@@ -11,6 +12,7 @@
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
+#include <stdexcept>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -86,11 +88,25 @@ void AddDecimal(CLI::App& app, const std::string& name, double& number, const ch
   app.add_option_function<double>(name, read, help)->type_name(type);
 }
 
+void AddHttp(CLI::App& app, CommandLine& line) {
+  const auto read = [&line](const std::string& text) {
+    try {
+      line.http = ReadEndpoint(text);
+    } catch (const std::runtime_error& error) {
+      throw CLI::ValidationError("--http", error.what());
+    }
+    line.replay.served = true;
+  };
+  app.add_option_function<std::string>("--http", read, "Serve the page there until Ctrl-C")
+      ->type_name("[ADDR:]PORT");
+}
+
 // What the commands take that play into one driver.
 void DescribeLife(CLI::App& app, CommandLine& line) {
   AddText(app, "--image-root", line.imageRoot, "DIR",
           "Where pictures are written [a temporary one]");
   AddInteger(app, "--id", line.id, 0, "The driver's id [1]");
+  AddHttp(app, line);
   app.add_flag("--full", line.full, "Whole values, documents indented");
 }
 
@@ -169,6 +185,7 @@ std::optional<CommandLine> ReadCommandLine(int argc, char** argv, int& status) {
   line.driver = FromProgram(DRIVERHOST_PLUGIN);
   line.session = FromProgram(DRIVERHOST_DEMO);
   line.player = TakePlayer(argc, argv);
+  line.page = FromProgram(DRIVERHOST_PAGE);
   CLI::App app("The bench host for driver plug-ins", "driverhost");
   app.require_subcommand(1);
   app.set_version_flag("--version", "driverhost " DRIVERHOST_VERSION);

@@ -3,6 +3,8 @@
 #include "driverhost/Check.h"
 #include "driverhost/Replay.h"
 
+#include <boost/asio/ip/tcp.hpp>
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,6 +21,8 @@ struct CommandLine {
   std::vector<std::string> player;  // with its arguments; empty: none
   std::string record;               // empty: nowhere
   std::string imageRoot;            // empty: a temporary one
+  std::string page;                 // the folder with the page's files
+  std::optional<boost::asio::ip::tcp::endpoint> http;
   unsigned long id = 1;
   double timeout = 10;  // seconds for a call into the driver, 0 for ever
   bool json = false;

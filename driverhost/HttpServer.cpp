@@ -74,7 +74,7 @@ std::string HttpServer::Url() const {
 }
 
 void HttpServer::Send(std::string_view record) {
-  if (m_Clients.empty()) return;
+  if (!HasClients()) return;
   const auto event = std::make_shared<const std::string>("data: " + std::string(record) + "\n\n");
   for (const auto& client : m_Clients) {
     if (const auto connection = client.lock()) connection->Send(event);

@@ -40,6 +40,9 @@ class HttpServer {
   // Where the page is: "http://127.0.0.1:8080/".
   std::string Url() const;
 
+  // Whether there is anybody to send to.
+  bool HasClients() const { return !m_Clients.empty(); }
+
   // A traffic record, as a line of JSON, for all clients that listen.
   void Send(std::string_view record);
 

@@ -9,12 +9,13 @@
 
 #include <csignal>
 #include <cstring>
+#include <filesystem>
 #include <stdexcept>
 
 namespace driverhost {
 
-Live::Live(const std::vector<std::string>& player, int interrupted, Life& life, Traffic& traffic,
-           Output& output, Verdict& verdict)
+Live::Live(const std::vector<std::string>& player, const std::optional<HttpOptions>& http,
+           int interrupted, Life& life, Traffic& traffic, Output& output, Verdict& verdict)
     : m_Life(life),
       m_Output(output),
       m_Verdict(verdict),
@@ -23,8 +24,13 @@ Live::Live(const std::vector<std::string>& player, int interrupted, Life& life, 
           m_Loop, STDIN_FILENO,
           [this](const LineSplitter::Line& line) { return Take(line, "stdin"); },
           [this] {
-            if (!m_Player) Stop();
+            if (!m_Player && !m_Page) Stop();
           }) {
+  if (http) {
+    m_Page.emplace(m_Loop, *http, verdict,
+                   [this](const Step& step) { return !m_Stopping && Deliver(step); });
+    traffic.Add(*m_Page);
+  }
   if (player.empty()) return;
   m_Player.emplace(
       m_Loop, player, [this](const LineSplitter::Line& line) { return Take(line, "player"); },
@@ -38,6 +44,9 @@ void Live::Run() {
     m_Loop.run();
   }
   m_Life.End(m_Steps + 1);
+  // What the page's clients are still to get.
+  m_Loop.restart();
+  m_Loop.poll();
 }
 
 void Live::Start() {
@@ -56,7 +65,8 @@ bool Live::Take(const LineSplitter::Line& line, const std::string& source) {
   if (m_Stopping) return false;
   if (KindOf(line) == LineKind::Comment) return true;
   try {
-    Step step = ReadStep(line, "");
+    const std::filesystem::path workingDirectory;
+    Step step = ReadStep(line, &workingDirectory);
     step.source = source;
     return Deliver(step);
   } catch (const std::runtime_error& error) {

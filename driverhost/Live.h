@@ -3,6 +3,7 @@
 #include "driverhost/Life.h"
 #include "driverhost/LineReader.h"
 #include "driverhost/Output.h"
+#include "driverhost/Page.h"
 #include "driverhost/Player.h"
 #include "driverhost/Readiness.h"
 #include "driverhost/Verdict.h"
@@ -19,13 +20,14 @@ namespace driverhost {
 // it comes, numbered from 1. One thread, one loop.
 class Live {
  public:
-  // `player` is the program with its arguments, empty for none; `interrupted` is the descriptor of
+  // `player` is the program with its arguments, empty for none; `http` says where the page is, if
+  // there is one; `interrupted` is the descriptor of
   // CatchInterrupts. The rest is borrowed and outlives the object.
-  Live(const std::vector<std::string>& player, int interrupted, Life& life, Traffic& traffic,
-       Output& output, Verdict& verdict);
+  Live(const std::vector<std::string>& player, const std::optional<HttpOptions>& http,
+       int interrupted, Life& life, Traffic& traffic, Output& output, Verdict& verdict);
 
-  // Runs once, until the player has ended, standard input without a player has, or a signal came.
-  // What goes wrong is told through the verdict.
+  // Runs once, until the player has ended, standard input without player and page has, or a signal
+  // came. What goes wrong is told through the verdict.
   void Run();
 
   // The lines delivered.
@@ -47,6 +49,7 @@ class Live {
   Readiness m_Interrupt;
   LineReader m_Input;
   std::optional<Player> m_Player;
+  std::optional<Page> m_Page;
   unsigned long m_Steps = 0;
   bool m_Stopping = false;
 };

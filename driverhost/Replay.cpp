@@ -11,6 +11,8 @@ namespace driverhost {
 
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 constexpr double s_LongestWait = 1e9;  // seconds
 
 }  // namespace
@@ -28,7 +30,11 @@ Replay::Replay(const ReplayOptions& options, Session& session, Life& life, Outpu
 void Replay::Run() {
   if (m_Options.repeat > 1) m_Session.Keep();
   try {
-    if (m_Life.Begin()) PlayRounds();
+    const bool played = m_Life.Begin() && PlayRounds();
+    if (played && m_Options.served) {
+      m_Wait(Clock::time_point::max());
+      ForgetInterrupt();
+    }
   } catch (const SessionError& error) {
     m_Verdict.Fail(s_Wrong, error.what());
   }
@@ -38,21 +44,23 @@ void Replay::Run() {
 
 bool Replay::Stopped() const { return Interrupted() || m_Output.Error() != 0; }
 
-void Replay::PlayRounds() {
-  for (unsigned long round = 1; !Stopped(); ++round) {
-    PlayRound();
-    if (round == m_Options.repeat || Stopped() || m_Verdict.Status() != s_Ran) return;
+bool Replay::PlayRounds() {
+  for (unsigned long round = 1; PlayRound(); ++round) {
+    if (round == m_Options.repeat) return true;
     m_Before += m_Session.Lines();
     m_Session.Rewind();
   }
+  return false;
 }
 
-void Replay::PlayRound() {
-  m_RoundBegan = std::chrono::steady_clock::now();
+bool Replay::PlayRound() {
+  m_RoundBegan = Clock::now();
   while (!Stopped()) {
     const auto line = m_Session.NextLine();
-    if (!line || !PlayLine(*line)) return;
+    if (!line) return !Stopped();
+    if (!PlayLine(*line)) return false;
   }
+  return false;
 }
 
 bool Replay::PlayLine(const LineSplitter::Line& line) {
@@ -60,13 +68,13 @@ bool Replay::PlayLine(const LineSplitter::Line& line) {
   if (kind == LineKind::Comment && m_Comment && m_Before == 0) m_Comment(line.text);
   if (kind != LineKind::Step) return true;
   const Step step = m_Session.Read(line);
-  if (m_Options.pace > 0 && step.at) WaitFor(*step.at);
-  return Stopped() || m_Life.Deliver(m_Before + line.number, step);
+  return WaitFor(step) && m_Life.Deliver(m_Before + line.number, step);
 }
 
-void Replay::WaitFor(double at) {
-  const std::chrono::duration<double> after(std::min(at / m_Options.pace, s_LongestWait));
-  m_Wait(m_RoundBegan + std::chrono::duration_cast<std::chrono::steady_clock::duration>(after));
+bool Replay::WaitFor(const Step& step) {
+  if (m_Options.pace <= 0 || !step.at) return !m_Options.served || m_Wait(Clock::now());
+  const std::chrono::duration<double> after(std::min(*step.at / m_Options.pace, s_LongestWait));
+  return m_Wait(m_RoundBegan + std::chrono::duration_cast<Clock::duration>(after));
 }
 
 }  // namespace driverhost

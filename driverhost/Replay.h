@@ -12,14 +12,15 @@ namespace driverhost {
 
 struct ReplayOptions {
   unsigned long repeat = 1;
-  double pace = 0;  // so many times as fast as the lines' times say; 0: as fast as it goes
+  bool served = false;  // waits before each line, and at the end until it is to end
+  double pace = 0;      // so many times as fast as the lines' times say; 0: as fast as it goes
 };
 
 // Plays a session's lines, in each round, between a driver's creation and its destruction.
 class Replay {
  public:
-  // Waits until then, or until Interrupted.
-  using Wait = std::function<void(std::chrono::steady_clock::time_point)>;
+  // Waits until then. Returns false when the replay is to end instead.
+  using Wait = std::function<bool(std::chrono::steady_clock::time_point)>;
 
   // Everything is borrowed and outlives the object. `comment`, which may be empty, gets each line
   // of the first round that is no step.
@@ -36,10 +37,11 @@ class Replay {
   // Whether a signal, or standard output, ends the replay before the session does.
   bool Stopped() const;
 
-  void PlayRounds();
-  void PlayRound();
+  // These return false when the replay is to end.
+  bool PlayRounds();
+  bool PlayRound();
   bool PlayLine(const LineSplitter::Line& line);
-  void WaitFor(double at);
+  bool WaitFor(const Step& step);
 
   const ReplayOptions& m_Options;
   Session& m_Session;

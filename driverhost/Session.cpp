@@ -81,7 +81,7 @@ std::optional<LineSplitter::Line> Session::NextLine() {
 
 Step Session::Read(const LineSplitter::Line& line) const {
   try {
-    Step step = ReadStep(line, m_Folder);
+    Step step = ReadStep(line, &m_Folder);
     step.source = m_Name;
     return step;
   } catch (const std::runtime_error& error) {

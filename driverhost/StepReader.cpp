@@ -78,7 +78,7 @@ Json Parse(std::string_view line) {
 // The members of one line. Values are taken out of it.
 class Line {
  public:
-  Line(Json& json, const char* key, const std::filesystem::path& folder)
+  Line(Json& json, const char* key, const std::filesystem::path* folder)
       : m_Json(json), m_Key(key), m_Folder(folder) {}
 
   std::string Name() {
@@ -181,9 +181,10 @@ class Line {
 
   // What is no file of a known size might never end.
   const std::string& FileText(const std::string& name) {
+    if (!m_Folder) Fail("the file " + Quoted(name) + " may not be named here");
     const auto [file, isNew] = m_Files.try_emplace(name);
     if (!isNew) return file->second;
-    const std::filesystem::path path = m_Folder / name;
+    const std::filesystem::path path = *m_Folder / name;
     std::error_code error;
     if (std::filesystem::file_size(path, error) > s_LargestFile && !error) {
       Fail(Quoted(name) + " is larger than 48 MiB");
@@ -195,7 +196,7 @@ class Line {
   Json& m_Json;
   Json m_None = Json::object();
   const char* m_Key;
-  const std::filesystem::path& m_Folder;
+  const std::filesystem::path* m_Folder;
   std::string m_Hint;
   std::map<std::string, std::string> m_Files;
 };
@@ -303,7 +304,7 @@ std::optional<double> Seconds(const Json& json) {
 
 }  // namespace
 
-Step ReadStep(const LineSplitter::Line& line, const std::filesystem::path& folder) {
+Step ReadStep(const LineSplitter::Line& line, const std::filesystem::path* folder) {
   if (line.tooLong) Fail("longer than 64 MiB");
   Json json = Parse(line.text);
   if (!json.is_object()) Fail("not a JSON object");

@@ -8,8 +8,8 @@
 namespace driverhost {
 
 // Reads one line of a session that is neither empty nor a comment. The paths in it start from
-// `folder`. The step borrows the line's text. Throws std::runtime_error, whose text says what is
-// wrong with the line.
-Step ReadStep(const LineSplitter::Line& line, const std::filesystem::path& folder);
+// `folder`; without one it may name no files. The step borrows the line's text. Throws
+// std::runtime_error, whose text says what is wrong with the line.
+Step ReadStep(const LineSplitter::Line& line, const std::filesystem::path* folder);
 
 }  // namespace driverhost

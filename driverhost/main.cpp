@@ -12,6 +12,7 @@
 #include "driverhost/Progress.h"
 #include "driverhost/Recorder.h"
 #include "driverhost/Replay.h"
+#include "driverhost/Serving.h"
 #include "driverhost/Session.h"
 #include "driverhost/Summary.h"
 #include "driverhost/Terminal.h"
@@ -47,7 +48,7 @@ std::unique_ptr<TrafficSink> MakePrinter(const CommandLine& line, Output& output
 }
 
 // The clock is the system's monotonic one, which a signal interrupts.
-void SleepUntil(Clock::time_point time) {
+bool SleepUntil(Clock::time_point time) {
   using namespace std::chrono;
   const auto since = duration_cast<nanoseconds>(time.time_since_epoch()).count();
   const timespec until{static_cast<time_t>(since / 1000000000),
@@ -55,6 +56,7 @@ void SleepUntil(Clock::time_point time) {
   while (Interrupted() == 0 &&
          clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &until, nullptr) == EINTR) {
   }
+  return Interrupted() == 0;
 }
 
 // Who closes the pipe has seen enough; that is no failure.
@@ -82,6 +84,7 @@ struct Bench {
   Life life{options, plugin, traffic, output, verdict};
   std::unique_ptr<TrafficSink> printer = MakePrinter(line, output);
   Hints hints{life, output, !line.player.empty()};
+  std::optional<HttpOptions> http;
 };
 
 // A driver may misbehave while it is loaded.
@@ -94,6 +97,7 @@ Bench::Bench(const CommandLine& commandLine)
     : line(commandLine), plugin(Guarded(commandLine, output)) {
   traffic.Add(*printer);
   traffic.Add(hints);
+  if (line.http) http = HttpOptions{*line.http, line.page, imageRoot.Path()};
 }
 
 int Bench::Close(unsigned long lines, double seconds, const std::string& about) {
@@ -112,14 +116,20 @@ double SecondsSince(Clock::time_point time) {
   return std::chrono::duration<double>(Clock::now() - time).count();
 }
 
-int RunReplay(const CommandLine& line) {
+int RunReplay(const CommandLine& line, int interrupt) {
   Session session(line.session);
   Bench bench(line);
   const auto comment = [&](std::string_view text) {
     if (line.asCase) bench.output.Write(std::string(text) + '\n');
   };
-  Replay replay(line.replay, session, bench.life, bench.output, bench.verdict, &SleepUntil,
-                comment);
+  std::optional<Serving> serving;
+  if (bench.http) {
+    serving.emplace(*bench.http, interrupt, bench.life, bench.traffic, bench.verdict);
+  }
+  const auto wait = [&](Clock::time_point time) {
+    return serving ? serving->Until(time) : SleepUntil(time);
+  };
+  Replay replay(line.replay, session, bench.life, bench.output, bench.verdict, wait, comment);
   const auto began = Clock::now();
   replay.Run();
   const double seconds = SecondsSince(began);
@@ -131,7 +141,8 @@ int RunLive(const CommandLine& line, int interrupt) {
   Bench bench(line);
   std::optional<Recorder> recorder;
   if (!line.record.empty()) bench.traffic.Add(recorder.emplace(line.record));
-  Live live(line.player, interrupt, bench.life, bench.traffic, bench.output, bench.verdict);
+  Live live(line.player, bench.http, interrupt, bench.life, bench.traffic, bench.output,
+            bench.verdict);
   const auto began = Clock::now();
   live.Run();
   const double seconds = SecondsSince(began);
@@ -157,7 +168,7 @@ int Run(int argc, char** argv) {
   std::setlocale(LC_CTYPE, "C.UTF-8");  // for the widths of characters
   std::signal(SIGPIPE, SIG_IGN);
   const int interrupt = CatchInterrupts();
-  if (line->command == Command::Replay) return RunReplay(*line);
+  if (line->command == Command::Replay) return RunReplay(*line, interrupt);
   if (line->command == Command::Live) return RunLive(*line, interrupt);
   line->check.coloured = TakesColours();
   return RunCheck(line->check);

@@ -1,0 +1,39 @@
+#include "driverhost/Serving.h"
+
+#include <unistd.h>
+
+namespace driverhost {
+
+Serving::Serving(const HttpOptions& options, int interrupt, Life& life, Traffic& traffic,
+                 Verdict& verdict)
+    : m_Interrupt(m_Loop, dup(interrupt)),
+      m_Page(m_Loop, options, verdict, [this, &life](const Step& step) {
+        if (!m_Ends) m_Ends = !life.Deliver(m_Step, step);
+        if (m_Ends) m_Loop.stop();
+        return !m_Ends;
+      }) {
+  traffic.Add(*this);
+  traffic.Add(m_Page);
+  m_Interrupt.async_wait(boost::asio::posix::stream_descriptor::wait_read,
+                         [this](boost::system::error_code) {
+                           m_Ends = true;
+                           m_Loop.stop();
+                         });
+}
+
+Serving::~Serving() {
+  m_Ends = true;
+  m_Loop.restart();
+  m_Loop.poll();
+}
+
+void Serving::OnStep(unsigned long number, const Step&) { m_Step = number; }
+
+bool Serving::Until(std::chrono::steady_clock::time_point time) {
+  // What has come is served even when the time is over.
+  m_Loop.poll();
+  if (!m_Ends) m_Loop.run_until(time);
+  return !m_Ends;
+}
+
+}  // namespace driverhost
