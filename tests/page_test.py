@@ -94,7 +94,7 @@ class Program:
         with contextlib.closing(connection):
             connection.putrequest(method, path, skip_host='Host' in headers)
             if body is not None:
-                headers.setdefault('Content-Length', str(len(body)))
+                headers.setdefault('Content_Length', str(len(body)))
             for name, value in headers.items():
                 connection.putheader(name.replace('_', '-'), value)
             connection.endheaders(body)
@@ -123,9 +123,11 @@ class Program:
 
 
 class Served(unittest.TestCase):
+    status = 0
+
     def setUp(self):
         self.program = Program()
-        self.addCleanup(lambda: self.assertEqual(self.program.stop(), 0))
+        self.addCleanup(lambda: self.assertEqual(self.program.stop(), self.status))
 
 
 class Http(Served):
@@ -200,7 +202,7 @@ class Http(Served):
             (notify('PLAY_STATUS_CHANGED', play_status='Playing'), 403, ''),
             (bind(), 403, ''),
             ({'persist': True}, 403, ''),
-            ({'command': 'PLAY', 'params': {'ID': {'base64_of_file': secret.name}}}, 403, ''),
+            ({'command': 'PLAY', 'params': {'ID': {'base64_of_file': secret.name}}}, 400, 'may not be named'),
             (b'', 400, ''),
             (b'{"command":', 400, ''),
             (b'{"command":"A"}\n{"command":"B"}', 400, ''),
@@ -211,6 +213,7 @@ class Http(Served):
                 got, _, answer = self.program.post(line)
                 self.assertEqual(got, status, answer)
                 self.assertIn(text, answer.decode())
+        self.status = 2
         client, stream, _ = self.program.listen()
         self.addCleanup(client.close)
         answer = json.loads(self.program.post({'command': 'MENU'})[2])
