@@ -8,11 +8,12 @@ const DEEPEST = 50;
 const MOST_SHOWN = 2000;
 const ANSWER_MS = 10000;
 
+// A list without items comes with one that is empty, because a document is sent with its last item.
 function itemsOf(root) {
   const items = [...root.children].find(child => child.nodeName === 'items');
   return [...(items ? items.children : [])].map(item => ({
     id: childText(item, 'id'), type: childText(item, 'type'), text: childText(item, 'text'),
-  }));
+  })).filter(item => item.id || item.text);
 }
 
 // Menus and lists as they come. The documents do not say what they answer, so that a page remembers
@@ -64,6 +65,7 @@ export class Browse {
     $('#search').hidden = !this.#state.can('has_search');
     $('#back').disabled = this.#pages.length < 2;
     $('#no-list').hidden = Boolean(page);
+    $('#empty').hidden = !page || page.items.length > 0;
     $('#list-title').textContent = page ? page.title || 'Untitled' : 'Menu';
     $('#list-count').textContent = page ? page.total : '';
     this.#renderItems(page ? page.items.slice(0, this.#shown) : []);
