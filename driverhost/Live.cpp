@@ -44,6 +44,7 @@ void Live::Run() {
     m_Loop.run();
   }
   m_Life.End(m_Steps + 1);
+  if (!m_Page) return;
   // What the page's clients are still to get.
   m_Loop.restart();
   m_Loop.poll();
