@@ -1,11 +1,12 @@
 #!/usr/bin/python3
-"""The page in a real browser, and its server over plain HTTP: page_test.py DRIVERHOST [TEST...]"""
+"""The page in a real browser, and its server over plain HTTP: page_test.py DRIVERHOST MPD_PLAYER [TEST...]"""
 
 import base64
 import contextlib
 import http.client
 import json
 import os
+import pathlib
 import queue
 import re
 import socket
@@ -21,7 +22,9 @@ from selenium.common.exceptions import WebDriverException
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
 
-DRIVERHOST = os.path.abspath(sys.argv.pop(1))
+from players_test import Mpd
+
+DRIVERHOST, MPD_PLAYER = (os.path.abspath(sys.argv.pop(1)) for _ in range(2))
 SESSIONS = os.path.join(os.path.dirname(os.path.abspath(__file__)), '..', 'sessions')
 CHROMIUM = ('--headless=new --no-sandbox --disable-gpu --disable-quic --no-first-run --disable-dev-shm-usage '
             '--disable-background-networking --disable-component-update --disable-sync --window-size=1280,800').split()
@@ -56,12 +59,12 @@ def menu_or_list(kind, items, **header):
 
 
 class Program:
-    """driverhost live, fed through its standard input."""
+    """driverhost live, fed by its player, if any, and through its standard input."""
 
-    def __init__(self, port=0):
+    def __init__(self, port=0, *player):
         self.root = tempfile.TemporaryDirectory()
         self.process = subprocess.Popen(
-            [DRIVERHOST, 'live', '--json', '--http', str(port), '--image-root', self.root.name],
+            [DRIVERHOST, 'live', '--json', '--http', str(port), '--image-root', self.root.name, *player],
             stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         self.records = queue.Queue()
         self.told = []
@@ -287,6 +290,14 @@ class Page(Served):
         until(css, lambda: len(self.find(css)) > number)
         self.find(css)[number].click()
 
+    def click_text(self, text):
+        until(text, lambda: text in self.texts('#list .text'))
+        self.click('#list li button', self.texts('#list .text').index(text))
+
+    def choose(self, command, mode):
+        self.browser.execute_script('const s = document.querySelector(`[data-command=${arguments[0]}]`); s.value = arguments[1];'
+                                    's.dispatchEvent(new Event("change"))', command, mode)
+
     def press(self, keys):
         webdriver.ActionChains(self.browser).send_keys(keys).perform()
 
@@ -322,7 +333,6 @@ class Page(Served):
                   notify('PLAY_STATUS_CHANGED', play_status='Paused'), notify('PLAY_TIME_CHANGED', elapsed='1:40', remaining='15:00'))
         self.shows('#elapsed', '1:40')
         script = self.browser.execute_script
-        choose = 'const s = document.querySelector(arguments[0]); s.value = arguments[1]; s.dispatchEvent(new Event("change"))'
         for act, *expected in [
                 (lambda: self.click('[data-command=PLAY]'), 'PLAY', {}),
                 (lambda: self.click('[data-command=STOP]'), 'STOP', {}),
@@ -330,8 +340,8 @@ class Page(Served):
                 (lambda: self.click('[data-command=SKIP_REV]'), 'SKIP_REV', {}),
                 (lambda: self.click('[data-command=SCAN_FWD]'), 'SCAN_FWD', {}),
                 (lambda: self.click('[data-command=SCAN_REV]'), 'SCAN_REV', {}),
-                (lambda: script(choose, '[data-command=SET_SHUFFLE]', 'On'), 'SET_SHUFFLE', {'MODE': 'On'}),
-                (lambda: script(choose, '[data-command=SET_REPEAT]', 'One'), 'SET_REPEAT', {'MODE': 'One'}),
+                (lambda: self.choose('SET_SHUFFLE', 'On'), 'SET_SHUFFLE', {'MODE': 'On'}),
+                (lambda: self.choose('SET_REPEAT', 'One'), 'SET_REPEAT', {'MODE': 'One'}),
                 (lambda: script('document.activeElement.blur()') or self.press(' '), 'PLAY', {}),
                 (lambda: self.press(Keys.ARROW_RIGHT), 'SEEK', {'POSITION': '110'}),
                 (lambda: self.press(Keys.ARROW_LEFT), 'SEEK', {'POSITION': '90'}),
@@ -480,6 +490,39 @@ class Page(Served):
         self.program = Program(port)
         self.shows('#connection', 'Connected')
         self.shows('#online', 'Offline')
+
+    def test_what_mpd_says(self):
+        with tempfile.TemporaryDirectory() as top:
+            mpd = Mpd(pathlib.Path(top))
+            self.addCleanup(mpd.stop)
+            self.assertEqual(self.program.stop(), 0)
+            self.program = Program(0, '--', MPD_PLAYER, '--host', str(mpd.host))
+            self.browser.get(self.program.url)
+            says = lambda *words: subprocess.run(['mpc', '--host', mpd.host, *words], stdout=subprocess.PIPE, text=True, check=True).stdout.strip()
+            status = lambda: says('status', '%state% %songpos% %random% %repeat% %single%')
+            self.shows('#queue', '0 of 4')
+            for what, act, expected, css, *texts in [
+                    ('queue', lambda: self.click('#no-list button') or self.click_text('Queue'), 'paused 0 off off off', '#list-title', 'Queue'),
+                    ('song', lambda: self.click_text('くらげ'), 'playing 3 off off off', '#info dd', 'くらげ', '水無瀬', '夜'),
+                    ('pause', lambda: self.click('[data-command=PAUSE]'), 'paused 3 off off off', '#play-status', 'Paused'),
+                    ('previous', lambda: self.click('[data-command=SKIP_REV]'), 'playing 2 off off off', '#queue', '2 of 4'),
+                    ('shuffle', lambda: self.choose('SET_SHUFFLE', 'On'), 'playing 2 on off off', '#info dd', '"B" \\ <&>', 'Élodie', 'Café'),
+                    ('repeat', lambda: self.choose('SET_REPEAT', 'One'), 'playing 2 on on on', '#play-status', 'Playing'),
+                    ('stop', lambda: self.click('[data-command=STOP]'), 'paused 2 on on on', '#play-status', 'Stopped')]:
+                with self.subTest(what):
+                    act()
+                    self.shows(css, *texts)
+                    until(lambda: f'{expected}, but {status()}', lambda: status() == expected)
+            says('play', '1')
+            self.shows('#info dd', 'Où ?', 'Élodie; A/C 5%', 'Café')
+            until('its picture', lambda: self.browser.execute_script('return document.querySelector("#cover img")?.naturalHeight') == 64)
+            self.click('#seek')
+            until('the middle', lambda: says('status', '%currenttime%').startswith('2:'))
+            until('it here', lambda: self.texts('#elapsed')[0].startswith('2:'))
+            mpd.stop()
+            self.shows('#online', 'Offline')
+            self.assertEqual(self.program.stop(), 0)
+            self.program = Program()
 
 
 if __name__ == '__main__':

@@ -405,4 +405,5 @@ def main():
                 mpd.stop()
 
 
-main()
+if __name__ == "__main__":
+    main()
