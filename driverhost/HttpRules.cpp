@@ -9,6 +9,7 @@
 #include <exception>
 #include <filesystem>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 namespace driverhost {
@@ -96,8 +97,8 @@ HttpAnswer PlainAnswer(http::status status, const std::string& text) {
   return {status, "text/plain; charset=utf-8", text + '\n'};
 }
 
-HttpRules::HttpRules(const std::string& pageFolder, const std::string& imageRoot)
-    : m_ImageRoot(imageRoot) {
+HttpRules::HttpRules(const std::string& pageFolder, std::string imageRoot)
+    : m_ImageRoot(std::move(imageRoot)) {
   for (const fs::directory_entry& entry : fs::directory_iterator(pageFolder)) {
     const std::string name = entry.path().filename().string();
     m_Files.insert({'/' + name, {http::status::ok, TypeOf(name), ReadFile(entry.path())}});

@@ -27,7 +27,7 @@ HttpAnswer PlainAnswer(boost::beast::http::status status, const std::string& tex
 class HttpRules {
  public:
   // Reads the page's files below `pageFolder`; throws std::runtime_error when there are none.
-  HttpRules(const std::string& pageFolder, const std::string& imageRoot);
+  HttpRules(const std::string& pageFolder, std::string imageRoot);
 
   // Why the request is not even looked at; nothing for one that is. `served` is the address that
   // the client has reached.

@@ -23,7 +23,7 @@ constexpr std::size_t s_MostConnections = 2 * s_MostClients;
 
 tcp::acceptor Listen(asio::io_context& loop, const tcp::endpoint& address) {
   try {
-    return tcp::acceptor(loop, address);
+    return {loop, address};
   } catch (const boost::system::system_error& error) {
     std::ostringstream text;
     text << "cannot listen on " << address << ": " << error.code().message();

@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <exception>
+
 namespace driverhost {
 
 Serving::Serving(const HttpOptions& options, int interrupt, Life& life, Traffic& traffic,
@@ -23,8 +25,11 @@ Serving::Serving(const HttpOptions& options, int interrupt, Life& life, Traffic&
 
 Serving::~Serving() {
   m_Ends = true;
-  m_Loop.restart();
-  m_Loop.poll();
+  try {
+    m_Loop.restart();
+    m_Loop.poll();
+  } catch (const std::exception&) {  // what cannot be sent any more is lost
+  }
 }
 
 void Serving::OnStep(unsigned long number, const Step&) { m_Step = number; }
