@@ -119,7 +119,7 @@ void Player::Bind() {
       {"has_menu", "lsinfo"},       {"has_search", "search"},    {"has_browse", "lsinfo"}};
   nlohmann::ordered_json line = {{"bind", 5001}, {"class", "MUSIC_PLAYER"}};
   auto& capabilities = line["capabilities"];
-  for (const auto& row : rows) capabilities[row.capability] = m_Allowed.count(row.command) > 0;
+  for (const auto& row : rows) capabilities[row.capability] = m_Allowed.contains(row.command);
   capabilities["shuffle_modes"] = s_ShuffleModes;
   capabilities["repeat_modes"] = s_RepeatModes;
   capabilities["media_labels"] = s_MediaLabels;
