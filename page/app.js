@@ -9,14 +9,20 @@ import { Traffic } from './traffic.js';
 const $ = selector => document.querySelector(selector);
 const TICK_MS = 250;
 const SEEK_SECONDS = 10;
+const TURN_MS = 40;
+const TAKING_MS = 20;
+const MOST_WAITING = 100000;
 
 const state = new State();
 const cover = new Cover($('#cover'));
 const traffic = new Traffic();
 const player = new Player(state, send);
 const browse = new Browse(state, send);
-const connection = new Connection({ opened, record: receive, lost });
+const connection = new Connection({ opened, line: arrived, lost });
 const stale = new Set();
+const waiting = [];
+let turnEnds = 0;
+let taking = 0;
 let connected = null;
 
 function notice(text, isWarning = false) {
@@ -57,6 +63,39 @@ async function send(command, params) {
 function redraw(view) {
   if (!stale.size) requestAnimationFrame(() => { for (const each of stale) each.render(); stale.clear(); });
   stale.add(view);
+}
+
+// A flood of records gets a part of each turn, in the order in which they came; the rest is for
+// drawing and for the person at the page.
+function arrived(line) {
+  if (!waiting.length && takeInTurn(line)) return;
+  waiting.push(line);
+  if (waiting.length === 1) setTimeout(takeWaiting, TURN_MS - TAKING_MS);
+  if (waiting.length < MOST_WAITING) return;
+  waiting.length = 1;
+  traffic.say('more records came than the page could take; some are missing');
+  send('QUERY_CURRENT_SETTINGS');
+}
+
+function takeWaiting() {
+  let taken = 0;
+  while (taken < waiting.length && takeInTurn(waiting[taken])) taken += 1;
+  waiting.splice(0, taken);
+  if (waiting.length) setTimeout(takeWaiting, TURN_MS - TAKING_MS);
+}
+
+// Whether there was time left for it.
+function takeInTurn(line) {
+  const began = performance.now();
+  if (began > turnEnds) [turnEnds, taking] = [began + TURN_MS, 0];
+  if (taking > TAKING_MS) return false;
+  try {
+    receive(JSON.parse(line), line);
+  } catch (error) {
+    console.error(error);  // the records after it must come all the same
+  }
+  taking += performance.now() - began;
+  return true;
 }
 
 function receive(record, line) {

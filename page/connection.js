@@ -6,7 +6,7 @@ export class Connection {
   #on;
   #source = null;
 
-  // on: opened(), record(record, line), lost()
+  // on: opened(), line(text), lost()
   constructor(on) {
     this.#on = on;
     this.#open();
@@ -31,18 +31,8 @@ export class Connection {
   #open() {
     this.#source = new EventSource('/traffic');
     this.#source.onopen = () => this.#on.opened();
-    this.#source.onmessage = event => this.#receive(event.data);
+    this.#source.onmessage = event => this.#on.line(event.data);
     this.#source.onerror = () => this.#failed();
-  }
-
-  #receive(line) {
-    let record;
-    try {
-      record = JSON.parse(line);
-    } catch {
-      return;
-    }
-    this.#on.record(record, line);
   }
 
   // The browser tries again by itself, but not after a refusal.
