@@ -20,9 +20,9 @@ BROWSING = ("NEW_MENU", "ADD_MENU_ITEM", "NEW_LIST", "ADD_LIST_ITEM")
 class Device:
     """The program under test; what it says is taken in order, what it complains of beside it."""
 
-    def __init__(self, *options, program=sys.argv[1]):
+    def __init__(self, *options, program=sys.argv[1], patience=BOUND):
         self.process = subprocess.Popen([program, *options], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                                        stderr=subprocess.PIPE, env={**os.environ, "MPD_TIMEOUT": "1"})
+                                        stderr=subprocess.PIPE, env={**os.environ, "MPD_TIMEOUT": str(patience)})
         self.said, self.complaints, self.seen = queue.Queue(), queue.Queue(), []
         for source, sink in ((self.process.stdout, self.said), (self.process.stderr, self.complaints)):
             threading.Thread(target=lambda f=source, q=sink: [q.put(x.decode()) for x in f], daemon=True).start()
@@ -351,7 +351,8 @@ def hostile_answers(_):
             ("has any bytes", {"status": [title + b"\xff\x01\0\xc3\x28\nOK\n"]}, None,
              ("MEDIA_INFO_CHANGED", {"bytes": base64.b64encode(b"\xff\x01\0\xc3\x28").decode()}), False),
             ("has a long tag", {"status": [title + b"x" * 200000 + b"\nOK\n"]}, None, ("MEDIA_INFO_CHANGED", "x" * 200000), False)):
-        with FalseMpd(**answers) as mpd, Device(*mpd.where, "--art", "rgb565") as d:
+        patience = 2 if complaint == "stopped answering" else BOUND
+        with FalseMpd(**answers) as mpd, Device(*mpd.where, "--art", "rgb565", patience=patience) as d:
             if again:
                 d.wait("ONLINE_STATUS_CHANGED", "False")
             found = d.next(expected[0])

@@ -46,10 +46,10 @@ void Player::Run() {
   if (!m_Output.Empty()) m_Output.Write();
 }
 
-// While the output is full, nothing is done that would add to it.
+// While the output is full, nothing is done that would add to it. What MPD has said meanwhile
+// counts before the time that it took.
 bool Player::Step() {
   const bool full = m_Output.Full();
-  if (!full && Clock::now() >= m_Link.Deadline()) m_Link.OnDeadline();
   if (!full && Clock::now() >= m_Reports.NextTick()) m_Reports.Tick();
   const bool busy = full || m_Link.Waiting() > s_MostWaiting;
   pollfd fds[] = {{STDIN_FILENO, static_cast<short>(busy ? 0 : POLLIN), 0},
@@ -61,7 +61,11 @@ bool Player::Step() {
 
   if ((fds[1].revents & (POLLERR | POLLNVAL)) != 0) return false;
   if ((fds[1].revents & POLLOUT) != 0 && !m_Output.Write()) return false;
-  if (fds[2].revents != 0) m_Link.OnReady(fds[2].revents);
+  if (fds[2].revents != 0) {
+    m_Link.OnReady(fds[2].revents);
+  } else if (!full && Clock::now() >= m_Link.Deadline()) {
+    m_Link.OnDeadline();
+  }
   if (fds[0].revents != 0 && (busy || !m_Input.Read())) return false;
   return true;
 }
