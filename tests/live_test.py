@@ -51,7 +51,7 @@ class Live(unittest.TestCase):
                     began = time.monotonic()
                     error = process.stderr.read().decode()
                     self.assertEqual(process.wait(), 0, error)
-                    self.assertLess(time.monotonic() - began, 5)
+                    self.assertLess(time.monotonic() - began, 30)
                     self.assertRegex(error, r'\d+ lines?, ')
                     self.assertRaises(ProcessLookupError, os.kill, player_id, 0)
                 os.close(ours)
