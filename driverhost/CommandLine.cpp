@@ -43,7 +43,7 @@ Examples:
 constexpr char s_CheckExamples[] = R"(Examples:
   driverhost check cases/*.ndjson
   driverhost check --driver new.so --coverage cases/*.ndjson
-  driverhost replay --case --driver old.so s | driverhost check --driver new.so -
+  driverhost replay --case --driver a.so S | driverhost check --driver b.so -
 )";
 
 // The widest option; descriptions begin behind it, and no line is longer than 80 columns.
