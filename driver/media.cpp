@@ -4,6 +4,7 @@
 #include "host/LogXMessage.h"
 #include "host/ToString.h"
 #include "host/TqXML.h"
+#include "host/Version.h"
 
 #include <boost/filesystem/operations.hpp>
 
@@ -22,6 +23,9 @@ const std::string media::s_HasScanRevCapStr = "has_scan_rev";
 const std::string media::s_HasMenuCapStr = "has_menu";
 const std::string media::s_HasSearchCapStr = "has_search";
 const std::string media::s_HasBrowseCapStr = "has_browse";
+
+// For who finds the file on a controller: strings media.so.
+[[gnu::used]] static const char s_Version[] = "mediaproxy " MEDIAPROXY_VERSION;
 
 CreationFunc GetCreationFunc() { return &media::Create; }
 

@@ -4,6 +4,7 @@
 #include "driverhost/NearestWord.h"
 #include "driverhost/Number.h"
 #include "driverhost/Verdict.h"
+#include "host/Version.h"
 
 #include <CLI/CLI.hpp>
 
@@ -188,12 +189,12 @@ std::optional<CommandLine> ReadCommandLine(int argc, char** argv, int& status) {
   line.page = FromProgram(DRIVERHOST_PAGE);
   CLI::App app("The bench host for driver plug-ins", "driverhost");
   app.require_subcommand(1);
-  app.set_version_flag("--version", "driverhost " DRIVERHOST_VERSION);
+  app.set_version_flag("--version", "driverhost " MEDIAPROXY_VERSION);
   app.footer("driverhost COMMAND --help tells more.");
   app.get_formatter()->column_width(s_OptionColumns);
   for (const Subcommand& subcommand : s_Subcommands) {
     CLI::App& command = *app.add_subcommand(subcommand.name, subcommand.help);
-    command.set_version_flag("--version", "driverhost " DRIVERHOST_VERSION);
+    command.set_version_flag("--version", "driverhost " MEDIAPROXY_VERSION);
     command.callback([&line, &subcommand] { line.command = subcommand.command; });
     subcommand.describe(command, line);
   }
