@@ -5,10 +5,10 @@
 #include <string>
 
 // A message from or to the bound device. A handler borrows it for the call. The order of the
-// operations is binary interface.
+// operations is part of the binary interface.
 class HOST_API IBindMessage {
  public:
-  // For auto_com only. Both return the number of references that there are then.
+  // Only auto_com calls these. Both return the number of references afterwards.
   virtual unsigned long AddRef() = 0;
   virtual unsigned long Release() = 0;
 
@@ -20,7 +20,7 @@ class HOST_API IBindMessage {
   virtual const std::string& GetCommand() const = 0;
 
   // The named parameter's text. How the two differ, and what they return for a parameter that the
-  // message lacks, is up to the host; in the stand-in they are alike, and return empty text.
+  // message lacks, is up to the host; in the stand-in both do the same, and return empty text then.
   virtual std::string GetParamText(const std::string& name) const = 0;
   virtual std::string GetParamValue(const std::string& name) const = 0;
 

@@ -8,12 +8,12 @@
 
 #include <string>
 
-// A driver as the other end of its bindings sees it. The order of the operations is binary
-// interface: a driver's primary table begins with these.
+// A driver as the other end of its bindings sees it. The order of the operations is part of the
+// binary interface: a driver's primary table begins with these.
 class HOST_API IBoundDriver : public ITqObject {
  public:
-  // A message comes from the other end of a binding. Message and place for the answer are borrowed
-  // for the call; `ret` may be null.
+  // A message has come from the other end of a binding. It and `ret`, the place for the answer, are
+  // borrowed for the call; `ret` may be null.
   virtual void BoundCall(unsigned long bindingId, BindingType type, const std::string& className,
                          const IBindMessage& msg, ICmdReturn* ret) = 0;
 

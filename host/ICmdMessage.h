@@ -6,10 +6,10 @@
 #include <string>
 
 // A command or a user-interface request. A handler borrows it for the call. The order of the
-// operations is binary interface.
+// operations is part of the binary interface.
 class HOST_API ICmdMessage {
  public:
-  // For auto_com only. Both return the number of references that there are then.
+  // Only auto_com calls these. Both return the number of references afterwards.
   virtual unsigned long AddRef() = 0;
   virtual unsigned long Release() = 0;
 

@@ -5,8 +5,8 @@
 #include "host/TqTypes.h"
 
 // Receives what comes over a driver's own connections. A proxy driver has none; its base class
-// ignores all four. What is passed is borrowed for the call. The order of the operations is binary
-// interface.
+// ignores all four. What is passed is borrowed for the call. The order of the operations is part of
+// the binary interface.
 class HOST_API IConnectionSink : public ITqObject {
  public:
   virtual void OnConnectionStatusChanged(unsigned long connectionId, int port, OStatus status) = 0;

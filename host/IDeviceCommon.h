@@ -4,20 +4,20 @@
 
 #include <string>
 
-// A driver's identity as a device. References and pointers that it returns are the driver's and
-// valid for its life. The order of the operations is binary interface.
+// A driver's identity as a device. References and pointers that it returns belong to the driver and
+// stay valid for its life. The order of the operations is part of the binary interface.
 class HOST_API IDeviceCommon {
  public:
-  // When it is called is up to the host. The stand-in never does.
+  // When to call it is up to the host; the stand-in never does.
   virtual void LateInitialize() = 0;
-  // The id that Initialize was given; in the stand-in 0 before that. In the stand-in the others
-  // answer with empty text, 0 and, for the state, null.
+  // The id that Initialize was given; in the stand-in 0 before that. The others say what the host
+  // knows of the device; in the stand-in they answer with empty text, 0 and, for the state, null.
   virtual unsigned long GetDeviceId() const = 0;
   virtual const std::string& GetDeviceName() const = 0;
   virtual unsigned long GetDeviceType() const = 0;
   virtual const std::string* GetDeviceRoomNameAddr() const = 0;
   virtual const unsigned long* GetDeviceStateAddr() const = 0;
-  // The room that the device stands in has another name.
+  // The device's room has a new name, which is borrowed for the call.
   virtual void OnRoomNameChanged(const std::string& roomName) = 0;
 
  protected:

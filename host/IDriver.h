@@ -12,37 +12,41 @@
 
 #include <string>
 
-// The interface through which the host drives a driver. The order of the operations is binary
-// interface. The host makes its calls into one driver one at a time. What it passes is borrowed for
-// the call. A returned holder passes its reference to the host, and may be empty; a returned
-// reference or pointer stays the driver's. What a host operation throws inside a call comes out of
-// that call. Where nothing else is said, the stand-in's base class does nothing and answers with
-// nothing.
+// The interface through which the host drives a driver. The order of the operations is part of the
+// binary interface. The host makes its calls into one driver one at a time. What it passes is
+// borrowed for the call. A returned holder passes its reference to the host, and may be empty; a
+// returned reference or pointer stays the driver's. What a host operation throws inside a call
+// comes out of that call. Where nothing else is said, the stand-in's base class does nothing and
+// answers with nothing.
 class HOST_API IDriver : public ITqObject {
  public:
-  // What the driver gave its base class.
+  // The value that the driver gave its base class.
   virtual DriverMultiplicity GetMultiplicity() = 0;
 
-  // Called once, after creation and before any message. `state`, what GetPersistState returned
-  // once, may be null. Returns what the base class does; in the stand-in 0, or 1 when called again.
+  // Called once, after creation and before any message. `state` is what GetPersistState returned
+  // earlier, or null. Returns what the base class does; in the stand-in 0, or 1 when called again.
   virtual long Initialize(unsigned long id, TqXML::INode& config, TqXML::INode* state) = 0;
 
-  // The driver's life in a project.
+  // The driver has joined a project, is about to be destroyed, has been taken out of the project.
   virtual void OnDriverAdded() = 0;
   virtual void OnDestroy() = 0;
   virtual void RemovedFromProject() = 0;
 
+  // A room has gone off.
   virtual void OnAVRoomOff(unsigned long roomId) = 0;
 
   // The driver's names.
   virtual const std::string& GetStringNameDriver() const = 0;
   virtual const std::string& GetStringNameProxy() const = 0;
   virtual void OnDriverNameChanged(const std::string& name) = 0;
+
+  // What the driver can do.
   virtual tq::auto_com<TqXML::INode> GetCapabilities(unsigned long id) = 0;
 
   // The state to hand to Initialize after a restart.
   virtual tq::auto_com<TqXML::INode> GetPersistState(unsigned long id) = 0;
 
+  // The events that the driver can fire.
   virtual tq::auto_com<TqXML::INode> GetEvents() = 0;
 
   // Executes a command. `ret`, the place for the answer, may be null. The meaning of `flags` is up
@@ -50,11 +54,14 @@ class HOST_API IDriver : public ITqObject {
   virtual void ExecuteCommand(const ICmdMessage& command, ICmdReturn* ret, unsigned long flags) = 0;
 
   virtual tq::auto_com<TqXML::INode> GetInitializeData(unsigned long id) = 0;
+
+  // Tests a condition of the driver and stores the outcome in `*result`.
   virtual bool TestCondition(const ICondMessage& condition, unsigned long* result) = 0;
 
   // The answer to a user-interface request, empty when there is none.
   virtual tq::auto_com<TqXML::INode> UIRequest(const ICmdMessage& request) = 0;
 
+  // What identifies the device, and its model.
   virtual tq::auto_com<TqXML::INode> GetIdentifyStrings() = 0;
   virtual const std::string& GetModel() = 0;
 
@@ -88,15 +95,15 @@ class HOST_API IDriver : public ITqObject {
 
   virtual tq::auto_com<TqXML::INode> GetDeviceBindingInfo(unsigned long bindingId) = 0;
 
-  // The text shown for an event of the driver; the base class has none for any.
+  // The text shown for an event of the driver; the base class has none.
   virtual std::string GetEventLabel(unsigned long eventId) const = 0;
 
  protected:
   ~IDriver() = default;
 };
 
-// Makes a driver with one reference, the caller's. `im` outlives it. What goes wrong is thrown, and
-// nothing is left then.
+// Makes a driver, whose one reference the caller owns. `im` has to outlive it. A failure is thrown
+// and leaves nothing behind.
 using CreationFunc = IDriver* (*)(IInstanceManager& im);
 
 // The one symbol that a plug-in exports. Never null; the same on every call.

@@ -3,7 +3,8 @@
 #include "host/HostApi.h"
 #include "host/ITqObject.h"
 
-// Receives the events of other drivers. The order of the operations is binary interface.
+// Receives the events of other drivers. The order of the operations is part of the binary
+// interface.
 class HOST_API IEventSink : public ITqObject {
  public:
   // A driver has fired one of its events.

@@ -3,7 +3,8 @@
 #include "host/HostApi.h"
 #include "host/ITqObject.h"
 
-// Receives the news of network bindings. The order of the operations is binary interface.
+// Receives the news of network bindings. The order of the operations is part of the binary
+// interface.
 class HOST_API INetworkBindingSink : public ITqObject {
  public:
   // A network binding has been made or broken.

@@ -7,11 +7,12 @@
 namespace TqXML {
 
 // An XML element: a name, a text value, and named values and children, which keep the order in
-// which they were added. Texts are bytes, and are copied. The order of the operations is binary
-// interface.
+// which they were added. Texts are bytes, and are copied. The order of the operations is part of
+// the binary interface.
 class HOST_API INode {
  public:
-  // For auto_com only, as Release. Both return the number of references that there are then.
+  // Only auto_com calls this and Release. Both return the number of references afterwards; with the
+  // last one the element goes, and its children with it.
   virtual unsigned long AddRef() = 0;
 
   // Add a named value after all that was added so far. `value` may not be null. The stand-in writes

@@ -2,8 +2,8 @@
 
 #include "host/HostApi.h"
 
-// The service that knows which output serves which room. The order of the operations is binary
-// interface.
+// The service that knows which output serves which room. The order of the operations is part of the
+// binary interface.
 class HOST_API IRoomOutputs {
  public:
   // The output number for a room. What `kind` selects is up to the host; drivers pass 2. The

@@ -2,7 +2,8 @@
 
 #include "host/HostApi.h"
 
-// Receives the news of a driver's timers. The order of the operations is binary interface.
+// Receives the news of a driver's timers. The order of the operations is part of the binary
+// interface.
 class HOST_API ITimerSink {
  public:
   // A timer has run out.

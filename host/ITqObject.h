@@ -4,12 +4,12 @@
 
 #include <string>
 
-// What most of the interfaces of a driver begin with. The order of the operations is binary
-// interface.
+// The operations that most interfaces of a driver begin with. The order of the operations is part
+// of the binary interface.
 class HOST_API ITqObject {
  public:
-  // Both return the number of references that there are then. An object starts with one, its
-  // maker's; the Release of the last one destroys it.
+  // Both return the number of references afterwards. An object starts with one, which its maker
+  // owns; the Release of the last one destroys it.
   virtual unsigned long AddRef() = 0;
   virtual unsigned long Release() = 0;
 

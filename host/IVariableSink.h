@@ -5,8 +5,8 @@
 
 #include <string>
 
-// Receives the news of other drivers' state variables. The order of the operations is binary
-// interface.
+// Receives the news of other drivers' state variables. The order of the operations is part of the
+// binary interface.
 class HOST_API IVariableSink : public ITqObject {
  public:
   // A state variable of a device has another value.

@@ -20,9 +20,10 @@
 
 #include <string>
 
-// The base of all drivers. The order of the bases and of the operations is binary interface: the
-// host calls by slot number through eight tables. Each operation stands once in the primary table,
-// and again in the table of every interface that declares it; what it does is said there.
+// The base of all drivers. The order of the bases and of the operations is part of the binary
+// interface: the host calls by slot number through eight tables. Each operation stands once in the
+// primary table, and again in the table of every interface that declares it; that interface says
+// what it does.
 class HOST_API TqBaseDriver : public IBoundDriver,
                               public IConnectionSink,
                               public IDeviceCommon,
@@ -41,15 +42,19 @@ class HOST_API TqBaseDriver : public IBoundDriver,
 
   virtual ~TqBaseDriver();
 
-  // 0 in the stand-in, which has no project; there the next two virtual operations do nothing.
+  // The room of the device; 0 in the stand-in.
   virtual unsigned long GetRoomId() const;
+
   unsigned long GetDeviceId() const override;
   const std::string& GetDeviceName() const override;
   unsigned long GetDeviceType() const override;
   const std::string* GetDeviceRoomNameAddr() const override;
   const unsigned long* GetDeviceStateAddr() const override;
+
+  // When to call these is up to the host; in the stand-in they do nothing.
   virtual void SetRoomName();
   virtual void HaveBeenIdentified();
+
   void LateInitialize() override;
   DriverMultiplicity GetMultiplicity() override;
   long Initialize(unsigned long id, TqXML::INode& config, TqXML::INode* state) override;
@@ -114,11 +119,11 @@ class HOST_API TqBaseDriver : public IBoundDriver,
   void OnTimerExpired(unsigned long timerId, long data) override;
   void OnNetworkBindingChanged(unsigned long bindingId, bool bound) override;
 
-  // Delivers a notification from the bound device, which is borrowed.
+  // Delivers a notification from the bound device. The message is borrowed for the call.
   virtual void HandleNotification(const IBindMessage& msg) = 0;
 
-  // The driver's constructor calls the first three and its destructor the last one. When the host
-  // calls RegisterVariables, if it does, is up to the host: the stand-in does in Initialize.
+  // The driver's constructor calls the first three and its destructor the last one. Whether and
+  // when to call RegisterVariables is up to the host; the stand-in calls it in Initialize.
   virtual void RegisterCommands() = 0;
   virtual void RegisterNotifications() = 0;
   virtual void RegisterConditionals() = 0;
@@ -130,7 +135,8 @@ class HOST_API TqBaseDriver : public IBoundDriver,
   TqBaseDriver(IInstanceManager& im, DriverMultiplicity multiplicity);
 
   // Sends an element with all its values and children to the user interfaces. It is borrowed: the
-  // driver may change or release it afterwards. None of the operations that send reports a failure.
+  // driver may change or release it afterwards. No operation that sends something reports a
+  // failure.
   void ConSendDataToUI(const TqXML::INode& node);
 
   // Sends one named value to the user interfaces.
@@ -149,18 +155,18 @@ class HOST_API TqBaseDriver : public IBoundDriver,
   // Sets a state variable of this driver; the stand-in ignores an id that was not added.
   void ChangeMyVariable(unsigned long variableId, const std::string& value);
 
-  // Makes a message with the command's name and parameters and one reference, the caller's. Null
+  // Makes a message with the command's name and parameters. The caller owns its one reference. Null
   // when the host cannot make one.
   IBindMessage* CreateBindMessage(const ICmdMessage& command) const;
 
-  // Make a command with one reference, the caller's: from a command's XML text, or by name and
+  // Make a command whose one reference the caller owns: from a command's XML text, or by name and
   // without parameters. Empty when the text is no command or the host cannot make one.
   tq::auto_com<ICmdMessage> CreateCommandMessageFromXml(const std::string& xml) const;
   tq::auto_com<ICmdMessage> CreateCommandMessageFromName(const std::string& name) const;
 
-  // Store what the bound device states about a capability and return true. Where it states nothing,
-  // the text form returns false. The stand-in then leaves text and flag as they are, returns false
-  // from both forms, and takes no text but "True" for true.
+  // Store what the bound device states about a capability and return true. If it states nothing,
+  // the text form returns false; the stand-in then leaves `value` and `flag` as they are and
+  // returns false from both forms. It reads "True" as true and any other text as false.
   bool ExtractCapability(const std::string& name, std::string& value) const;
   bool ExtractCapability(const std::string& name, bool& flag) const;
 

@@ -10,12 +10,13 @@
 
 // The base of drivers that stand between one bound device and the user interfaces. It hands
 // notifications, commands and requests to the dispatchers, where the driver has registered its
-// handlers. The order of the operations is binary interface.
+// handlers. The order of the operations is part of the binary interface.
 class HOST_API TqBaseProxyDriver : public TqBaseDriver {
  public:
   ~TqBaseProxyDriver() override;
 
-  // The bound device's messages are notifications; the stand-in ignores those of other bindings.
+  // Takes the bound device's message as a notification; the stand-in ignores messages of other
+  // bindings.
   void BoundCall(unsigned long bindingId, BindingType type, const std::string& className,
                  const IBindMessage& msg, ICmdReturn* ret) override;
 

@@ -2,14 +2,14 @@
 
 namespace TqTypes {
 
-// The types of a state variable, by the host's code.
+// The types of a state variable, with the host's codes.
 enum class VariableType : int { Text = 1 };
 
 }  // namespace TqTypes
 
 enum class DriverMultiplicity : int { One = 1 };
 
-// Types that drivers only hand through.
+// Types that drivers only pass on.
 enum class BindingType : int;
 enum class OStatus : int;
 class AVParams;

@@ -11,7 +11,7 @@
 #include <string>
 
 // Delivers user-interface requests by name. A handler borrows the request. The node that it returns
-// is the answer, and its reference passes to the host; an empty holder is no answer.
+// is the answer, and its reference passes to the host; an empty holder says that there is none.
 class HOST_API UICmdDispatcher {
  public:
   using Handler = boost::function<tq::auto_com<TqXML::INode>(const ICmdMessage&)>;

@@ -4,14 +4,14 @@
 
 namespace tq {
 
-// Holds at most one reference to a reference-counted T and releases it when it goes. Moving
-// transfers the reference; copying takes another one. The only caller of AddRef and Release.
+// Holds at most one reference to a reference-counted T and releases it when it is destroyed. Moving
+// transfers the reference; copying takes another one. Nothing else calls AddRef and Release.
 template <class T>
 class auto_com {
  public:
   auto_com() noexcept = default;
 
-  // Takes over one reference, the caller's; `object` may be null.
+  // Takes over one reference of the caller's; `object` may be null.
   explicit auto_com(T* object) noexcept : m_Object(object) {}
 
   auto_com(const auto_com& other) noexcept : m_Object(other.m_Object) {
