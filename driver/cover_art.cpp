@@ -10,8 +10,8 @@
 
 namespace {
 
-// What keeps the bytes from being a picture of that size; empty when nothing does. Asked before the
-// file is opened, so that a refused picture leaves the one before (docs/choices.md).
+// Why the bytes are no picture of that size; empty if they are one. Checked before the file is
+// opened, so that a refused picture leaves the previous one in place (docs/choices.md).
 std::string BoundsFault(const std::string& bytes, long width, long height,
                         std::size_t bytesPerPixel) {
   const std::string size = std::to_string(width) + " x " + std::to_string(height) + " pixels";
@@ -50,8 +50,8 @@ void WriteRaw(const StepLines& lines, const PixelLayout& layout, const std::stri
   }
 }
 
-// The texts of the log lines are fixed, with three oddities: two blanks in this line and one in the
-// other step's; the JPEG branch, too, reports by this line; and where no step runs, the lines name
+// The texts of the log lines are fixed, with three oddities: this line has two blanks, the other
+// step's has one; the JPEG branch uses this line, too; and outside the steps the lines name
 // "OnNtfCoverArt", though the handler is OnNtfNewCoverArt.
 constexpr char s_NoFile565[] = "ipod::Write565ToJPEGFile:  failed to create .jpg file %s";
 

@@ -11,12 +11,13 @@ namespace fs = boost::filesystem;
 
 namespace {
 
-// A controller has libjpeg's 6.2 interface; other versions lay out the structures in another way.
+// A controller has libjpeg's 6.2 interface; in other versions the structures have other layouts.
 constexpr int s_Interface = 62;
 static_assert(JPEG_LIB_VERSION == s_Interface);
 static_assert(JPEG_MAX_DIMENSION == s_MaxJPEGSide);
 
-// All that the steps touch. libjpeg leaves a step by longjmp, past any destructor: plain data only.
+// All that the steps touch. libjpeg leaves a failing step by longjmp, which runs no destructor:
+// plain data only.
 struct Compression {
   jpeg_compress_struct compressor;
   jpeg_error_mgr errors;
@@ -65,7 +66,7 @@ void WriteRows(Compression& c) {
   jpeg_finish_compress(&c.compressor);
 }
 
-// False when libjpeg failed in the step.
+// Runs a step. False when libjpeg failed in it.
 bool Attempt(Compression& compression, void (*step)(Compression&)) noexcept {
   if (setjmp(compression.failed) != 0) return false;
   step(compression);

@@ -35,7 +35,7 @@ media::media(IInstanceManager& im)
     : TqBaseProxyDriver(im, s_ProxyBindingId, DriverMultiplicity::One) {
   m_MediaInfo.Clear();
   m_ListNode = TqXML::CreateXmlNode();
-  // Virtual operations: the qualified names say that this class's own are meant.
+  // These are virtual: the qualified names say that this class's own are meant.
   media::RegisterNotifications();
   media::RegisterCommands();
   RegisterRequests();

@@ -28,12 +28,12 @@ class media : public TqBaseProxyDriver {
 
     void Clear();
 
-    // Adds the lines that are not empty, trimmed, and the image where it is asked for; nothing as
-    // long as the record is not valid. `node` is borrowed and not null.
+    // Adds the lines that are not empty, trimmed, and the image if it is asked for; adds nothing
+    // while the record is not valid. `node` is borrowed and not null.
     void AddToINode(TqXML::INode* node, bool includeImage) const;
   };
 
-  // Makes a driver that has its defaults and its handlers but is not initialized.
+  // The plug-in's CreationFunc: makes a driver with its defaults and handlers, not yet initialized.
   static IDriver* Create(IInstanceManager& im);
 
   explicit media(IInstanceManager& im);
@@ -152,7 +152,7 @@ class media : public TqBaseProxyDriver {
   std::string m_RepeatMode;
   MediaInfo m_MediaInfo;
 
-  // The cover art's file, and the same file's path as user interfaces are sent it. Empty until
+  // The cover art's file, and its path as it is sent to user interfaces. Both are empty until
   // Initialize.
   std::string m_CoverArtFile;
   std::string m_CoverArtImagePath;

@@ -2,9 +2,9 @@
 
 #include <cstddef>
 
-// Compilers make vector code of the loops below only for processors that can shuffle bytes, and not
-// every x86-64 can, nor every 32-bit ARM. There each loop is compiled once for each kind of
-// processor, for ARM by hand, and the loader picks.
+// Compilers make vector code of the loops below only for processors that can shuffle bytes. Not
+// every x86-64 and not every 32-bit ARM can: there each loop is compiled once for each kind of
+// processor, for ARM by hand, and the loader picks one.
 #if defined(__x86_64__) && defined(__GLIBC__)
 #define COPY_PER_PROCESSOR __attribute__((target_clones("avx2", "ssse3", "default")))
 #elif defined(__ARM_PCS_VFP) && !defined(__ARM_NEON) && defined(__GLIBC__) && !defined(__clang__)
@@ -15,8 +15,8 @@
 #define COPY_PER_PROCESSOR
 #endif
 
-// Clang can call a function with such copies only from the source that defines it, so the two below
-// are called by the ones in the header.
+// Clang can call a function with such copies only from the source that defines it, so the functions
+// of the header call the two below.
 namespace {
 
 COPY_PER_PROCESSOR

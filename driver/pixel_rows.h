@@ -2,8 +2,8 @@
 
 #include <cstddef>
 
-// Fills `rgb` with one R, G, B byte triple for each of `pixels` pixels of `source`. The two do not
-// overlap.
+// Fills `rgb` with one R, G, B byte triple for each of `pixels` pixels of `source`. The two must
+// not overlap.
 using UnpackRow = void (*)(const unsigned char* source, unsigned char* rgb, std::size_t pixels);
 
 // Little-endian words of 5 bits red, 6 green, 5 blue from the top; the low bits of the wider
