@@ -51,9 +51,9 @@ class Services final : public IInstanceManager, public IHostPaths, public IRoomO
   unsigned long GetOutputForRoom(unsigned long roomId, int kind) override;
 
   Observer& observer;
-  // Of the device that Bind is about to bind.
+  // Capabilities of the device that Bind is about to bind.
   std::map<std::string, std::string> offered;
-  // Of the bound device.
+  // Capabilities of the bound device.
   std::map<std::string, std::string> capabilities;
   std::map<unsigned long, std::string> bindings;
   std::map<unsigned long, unsigned long> rooms;

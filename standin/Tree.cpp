@@ -67,7 +67,7 @@ std::string Element::GetXmlString() const {
   }
 }
 
-// The head of an element without children is the whole element.
+// For an element without children the head is the whole element.
 void Element::AppendHead(std::string& xml) const {
   if (m_Name.empty()) {
     xml += m_Content;

@@ -12,8 +12,8 @@ struct Utf8Sequence {
   bool valid;
 };
 
-// The UTF-8 sequence at the head of a text that is not empty; of a broken one the maximal part, as
-// in section 3.9 of the Unicode standard.
+// The UTF-8 sequence at the start of a text, which must not be empty. Of a broken sequence it is
+// the longest part that could begin a valid one, as in section 3.9 of the Unicode standard.
 HOST_API Utf8Sequence ReadUtf8(std::string_view text);
 
 }  // namespace standin
