@@ -75,7 +75,7 @@ void StartTimer(double seconds) {
   s_TimerRuns = 1;
 }
 
-// The timer is started once for many calls, which is why it may find a call that has only begun.
+// The timer is started once for many calls, so it may fire in a call that has only begun.
 void OnTimer(int) {
   s_TimerRuns = 0;
   if (s_InCall == 0) return;

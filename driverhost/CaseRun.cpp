@@ -88,7 +88,7 @@ void CaseRun::Compare(std::size_t place, const std::vector<std::string_view>& ex
                  '\n' + differences);
 }
 
-// Throws SessionError for the first record behind the line that is none.
+// Throws SessionError for the first record after the line that is no valid one.
 void CaseRun::CheckRecords(std::size_t place) const {
   while (++place < m_Lines.size() && m_Lines[place].kind != LineKind::Step) {
     const Line& line = m_Lines[place];
@@ -100,8 +100,8 @@ void CaseRun::CheckRecords(std::size_t place) const {
   }
 }
 
-// The new text takes the old one's place when it is complete. Creation keeps having no records
-// where none stood.
+// The new text takes the old one's place when it is complete. If the case had no records of
+// creation, it gets none.
 void CaseRun::Update() {
   const std::string path = m_Session.Name();
   const std::string unfinished = path + ".new";

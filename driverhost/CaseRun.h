@@ -26,7 +26,7 @@ class RecordCollector : public TrafficSink {
   std::vector<std::string> records;
 };
 
-// One case in a process that is its own: tells on standard output whether it came as expected.
+// One case, in a process of its own. Says on standard output whether the traffic was as expected.
 class CaseRun {
  public:
   // Everything is borrowed and outlives the object. Throws SessionError for a case that cannot be
@@ -49,7 +49,7 @@ class CaseRun {
 
   void Play();
 
-  // The records that stand behind the line at that place, up to the next step.
+  // The records that stand after the line at that place, up to the next step.
   std::vector<std::string_view> ExpectedAfter(std::size_t place) const;
 
   void Compare(std::size_t place, const std::vector<std::string_view>& expected);

@@ -14,8 +14,9 @@ struct Child {
   int output;  // the end of a pipe from its standard output
 };
 
-// Starts a program, looked for as a shell does. It gets SIGTERM when this process ends. Throws
-// std::runtime_error when it cannot be started. Requires: `command` names at least the program.
+// Starts a program, which is looked up as a shell does. It gets SIGTERM when this process ends. The
+// caller closes both descriptors. Throws std::runtime_error when it cannot be started. Requires:
+// `command` names at least the program.
 Child StartChild(const std::vector<std::string>& command);
 
 }  // namespace driverhost

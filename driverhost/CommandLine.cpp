@@ -47,7 +47,7 @@ constexpr char s_CheckExamples[] = R"(Examples:
   driverhost replay --case --driver a.so S | driverhost check --driver b.so -
 )";
 
-// The widest option; descriptions begin behind it, and no line is longer than 80 columns.
+// The columns of the widest option. Descriptions begin after them; no line has more than 80.
 constexpr std::size_t s_OptionColumns = 23;
 
 std::string FromProgram(const char* path) {
@@ -102,7 +102,7 @@ void AddHttp(CLI::App& app, CommandLine& line) {
       ->type_name("[ADDR:]PORT");
 }
 
-// What the commands take that play into one driver.
+// Options of the commands that play into one driver.
 void DescribeLife(CLI::App& app, CommandLine& line) {
   AddText(app, "--image-root", line.imageRoot, "DIR",
           "Where pictures are written [a temporary one]");
@@ -111,7 +111,7 @@ void DescribeLife(CLI::App& app, CommandLine& line) {
   app.add_flag("--full", line.full, "Whole values, documents indented");
 }
 
-// What all commands take.
+// Options of all commands.
 void DescribeCommon(CLI::App& app, CommandLine& line, const char* examples) {
   AddText(app, "--driver", line.driver, "FILE", "The plug-in to load [the one that came along]");
   AddDecimal(app, "--timeout", line.timeout, "S", "Seconds for a call into it, 0: for ever [10]");
@@ -159,7 +159,7 @@ constexpr Subcommand s_Subcommands[] = {
     {"check", Command::Check, "Play cases, compare the traffic with theirs", &DescribeCheck},
 };
 
-// A word in the place of a command that is none; empty when there is one.
+// The error for a first word that is no command; empty when it is one.
 std::string UnknownCommand(int argc, char** argv) {
   if (argc < 2 || argv[1][0] == '-') return {};
   std::vector<std::string> known;
@@ -170,7 +170,7 @@ std::string UnknownCommand(int argc, char** argv) {
   return "unknown command \"" + std::string(argv[1]) + '"' + DidYouMean(argv[1], known);
 }
 
-// Takes the player's command line, which stands behind "--", from the end of a live one's.
+// Cuts the player's command line, which follows "--", from the end of a `live` command line.
 std::vector<std::string> TakePlayer(int& argc, char** argv) {
   if (argc < 2 || argv[1] != std::string_view("live")) return {};
   char** mark = std::find(argv, argv + argc, std::string_view("--"));

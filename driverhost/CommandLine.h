@@ -34,8 +34,8 @@ struct CommandLine {
   CheckOptions check;
 };
 
-// Reads the command line. Nothing when the program is to end with `status` instead: help has been
-// written, or an error told.
+// Reads the command line. Returns nothing when the program has to end with `status` instead: help
+// or an error has been printed.
 std::optional<CommandLine> ReadCommandLine(int argc, char** argv, int& status);
 
 }  // namespace driverhost

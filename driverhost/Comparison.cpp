@@ -18,7 +18,7 @@ using Json = nlohmann::json;
 
 constexpr std::size_t s_LongestRecord = 2000;
 constexpr std::size_t s_LongestText = 60;
-// Beyond so many pairs of records what follows the first difference is not matched.
+// With more pairs of records than this, what follows the first difference is not matched.
 constexpr std::size_t s_MostPairs = 1000000;
 
 // Says in words how two values differ; empty when they do not.

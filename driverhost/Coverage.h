@@ -11,9 +11,8 @@ namespace driverhost {
 
 // Counts what a session delivers of all that a driver has registered. As JSON, an object with an
 // object for each kind, in the order of registration:
-// {"notification": {"NEW_LIST": {"delivered": 3, "read": {"title": 2}}}, "command": ...,
-// "variable":
-// ...}. "read" tells how often a parameter that the handler reads was there.
+//   {"notification": {"NEW_LIST": {"delivered": 3, "read": {"title": 2}}}, "command": ...}
+// "read" says how often a parameter that the handler reads was there.
 class Coverage : public TrafficSink {
  public:
   // Borrowed; outlives the object.

@@ -27,7 +27,7 @@ bool IsText(const xml_node& node) {
   return node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata;
 }
 
-// The text at the head of a list of siblings; `node` moves behind it.
+// The text at the start of a list of siblings; `node` moves past it.
 std::string TakeText(xml_node& node) {
   std::string text;
   for (; IsText(node); node = node.next_sibling()) text += node.value();

@@ -6,7 +6,7 @@
 
 namespace driverhost {
 
-// A document for a reader: an element a line, indented, each line legible. Lines after the first
+// A document for a reader: one element a line, indented, each line legible. Lines after the first
 // begin with `margin` blanks more. A text that is no document is shown as it is.
 std::string Indented(std::string_view xml, std::size_t margin);
 

@@ -15,7 +15,7 @@ namespace {
 // A player could go on sending new names for ever.
 constexpr std::size_t s_MostNames = 1000;
 
-// What a driver has registered as "KIND NAME": the names.
+// The names of one kind out of what a driver has registered as "KIND NAME".
 std::vector<std::string> NamesOf(const std::vector<std::string>& registered,
                                  const std::string& kind) {
   std::vector<std::string> names;

@@ -12,12 +12,12 @@
 
 namespace driverhost {
 
-// Tells on standard error what is legal in a session but hardly meant, once for each name. Knows it
-// from what the driver has registered and what its handlers read.
+// Says on standard error what is legal in a session but hardly meant, once for each name. Judges by
+// what the driver has registered and what its handlers read.
 class Hints : public TrafficSink {
  public:
-  // Both are borrowed and outlive the object. `output` is flushed before a hint. Where a player is
-  // to come, calls to it may be early.
+  // Both are borrowed and outlive the object. `output` is flushed before a hint. With `playerComes`
+  // a call to a device that is not bound yet is no hint.
   Hints(const Life& life, Output& output, bool playerComes = false)
       : m_Life(life), m_Output(output), m_PlayerComes(playerComes) {}
 
@@ -26,13 +26,13 @@ class Hints : public TrafficSink {
   void OnRecord(const Record& record) override;
   void OnStepEnd() override;
 
-  // Whether there was one that is a failure where hints are to be failures.
+  // Whether there was a hint that --strict counts as a failure.
   bool Serious() const { return m_Serious; }
 
  private:
   enum class Weight { Light, Serious };
 
-  // `key` is what it is told once for.
+  // Prints the text unless one with the same key has been printed.
   void Tell(const std::string& key, const std::string& text, Weight weight = Weight::Serious);
 
   void LookAtName(const char* kind, const std::string& name);

@@ -41,7 +41,7 @@ void SetFields(http::response_header<>& header, const std::string& type) {
   header.set("X-Content-Type-Options", "nosniff");
 }
 
-// What a request that cannot be read is answered with; nothing where nobody waits for an answer.
+// The answer to a request that cannot be read; nothing when nobody waits for one.
 std::optional<HttpAnswer> AnswerTo(boost::system::error_code error) {
   if (error == http::error::body_limit) {
     return PlainAnswer(http::status::payload_too_large, "the body is over 1 MiB");

@@ -24,7 +24,8 @@ class HttpConnection : public std::enable_shared_from_this<HttpConnection> {
     std::function<HttpAnswer(const std::string& line)> post;
   };
 
-  // `door` lives until the connection is closed. A client that is one too many is told so.
+  // `door` lives until the connection is closed. A client that is one too many gets an answer that
+  // says so.
   HttpConnection(boost::asio::ip::tcp::socket socket, const Door& door, bool oneTooMany);
 
   void Start();

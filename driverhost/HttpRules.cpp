@@ -23,7 +23,7 @@ namespace fs = std::filesystem;
 constexpr std::uintmax_t s_LargestPicture = std::uintmax_t{64} << 20U;
 constexpr std::string_view s_Images = "/images/";
 
-// Of files with other names a browser makes nothing.
+// A browser does not interpret files with other names.
 std::string TypeOf(const fs::path& path) {
   static const std::map<std::string, std::string> types = {
       {".css", "text/css; charset=utf-8"},

@@ -23,14 +23,14 @@ struct HttpAnswer {
 // An answer of one line of text, to which the line break is added.
 HttpAnswer PlainAnswer(boost::beast::http::status status, const std::string& text);
 
-// What is served and what is refused, apart from how it travels.
+// Says what is served and what is refused; knows nothing of connections.
 class HttpRules {
  public:
   // Reads the page's files below `pageFolder`; throws std::runtime_error when there are none.
   HttpRules(const std::string& pageFolder, std::string imageRoot);
 
-  // Why the request is not even looked at; nothing for one that is. `served` is the address that
-  // the client has reached.
+  // The answer that refuses the request, whatever it asks for; nothing for one that is let in.
+  // `served` is the address that the client has reached.
   std::optional<HttpAnswer> Refusal(const HttpHeader& header,
                                     const boost::asio::ip::tcp::endpoint& served) const;
 

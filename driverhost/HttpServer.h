@@ -29,7 +29,7 @@ boost::asio::ip::tcp::endpoint ReadEndpoint(const std::string& text);
 class HttpServer {
  public:
   // `post` gets the body of each request for a session line and answers it. Throws
-  // std::runtime_error when the address cannot be had or the page is missing.
+  // std::runtime_error when the address cannot be used or the page is missing.
   HttpServer(boost::asio::io_context& loop, const HttpOptions& options,
              std::function<HttpAnswer(const std::string& line)> post);
   ~HttpServer();

@@ -3,11 +3,11 @@
 namespace driverhost {
 
 // From now on SIGINT and SIGTERM ask the program to stop, and a blocked read ends with EINTR. The
-// second one ends the program at once. Returns a descriptor that a wait for reading ends at when
-// one came.
+// second one ends the program at once. Returns a descriptor that becomes readable when one has
+// come.
 int CatchInterrupts();
 
-// The signal that came; 0 while none did.
+// The signal that has come; 0 if none has.
 int Interrupted();
 
 // The program has answered the signal: it ends as if none had come.

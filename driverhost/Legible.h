@@ -16,7 +16,7 @@ std::string Legible(std::string_view text, std::size_t columns);
 // A name, legible and shortened, in double quotes.
 std::string Quoted(std::string_view name);
 
-// A legible text cut in the same way, with nothing but dots behind it.
+// A legible text cut in the same way, with only dots at its end.
 std::string Cut(std::string_view text, std::size_t columns);
 
 }  // namespace driverhost

@@ -20,7 +20,7 @@ struct LifeOptions {
 };
 
 // The life of one driver: creation, one step after the other, destruction. Each step's traffic is
-// on standard output when the step is over. What a driver throws is told and is a failure.
+// on standard output when the step is over. What a driver throws is reported as a failure.
 class Life {
  public:
   // Everything is borrowed and outlives the object.
@@ -34,7 +34,7 @@ class Life {
   // returned true.
   bool Deliver(unsigned long number, const Step& step);
 
-  // Destroys the driver and looks for what it still holds. Also when Begin failed.
+  // Destroys the driver and looks for what it still holds. Needed even when Begin failed.
   void End(unsigned long number);
 
   // The steps that made a call into the driver, without creation and destruction.

@@ -10,8 +10,8 @@
 
 namespace driverhost {
 
-// Reads lines from a descriptor within a loop: a part, its lines, the next part. So whoever writes
-// is never faster than whoever takes the lines.
+// Reads lines from a descriptor within a loop: reads a part, hands out its lines, reads the next
+// part. So the writer is never faster than the one who takes the lines.
 class LineReader {
  public:
   // Returns whether lines are still wanted.
@@ -24,8 +24,7 @@ class LineReader {
 
   void Start();
 
-  // Reads what a pipe holds now, and no more whoever still writes into it. After that it reads
-  // nothing.
+  // Reads what the pipe holds now, and nothing that is written into it later.
   void ReadRest();
 
  private:

@@ -8,8 +8,8 @@
 namespace driverhost {
 
 // Cuts a stream of bytes into lines and counts them. A byte order mark at the start of the stream
-// and a carriage return at the end of a line are dropped. Of a line that is too long nothing is
-// kept.
+// and a carriage return at the end of a line are dropped. Nothing is kept of a line that is too
+// long.
 class LineSplitter {
  public:
   // Bytes, without the line break.

@@ -45,7 +45,7 @@ void Live::Run() {
   }
   m_Life.End(m_Steps + 1);
   if (!m_Page) return;
-  // What the page's clients are still to get.
+  // Sends what the page's clients have not got yet.
   m_Loop.restart();
   m_Loop.poll();
 }

@@ -16,18 +16,18 @@
 
 namespace driverhost {
 
-// A driver's life with a player, and with whoever writes lines of a session: each line is a step as
-// it comes, numbered from 1. One thread, one loop.
+// A driver's life with a player and with all others who send session lines. Each line becomes a
+// step when it comes, numbered from 1. One thread, one loop.
 class Live {
  public:
   // `player` is the program with its arguments, empty for none; `http` says where the page is, if
-  // there is one; `interrupted` is the descriptor of
-  // CatchInterrupts. The rest is borrowed and outlives the object.
+  // there is one; `interrupted` is the descriptor of CatchInterrupts. The rest is borrowed and
+  // outlives the object.
   Live(const std::vector<std::string>& player, const std::optional<HttpOptions>& http,
        int interrupted, Life& life, Traffic& traffic, Output& output, Verdict& verdict);
 
-  // Runs once, until the player has ended, standard input without player and page has, or a signal
-  // came. What goes wrong is told through the verdict.
+  // Runs once: until the player has ended; without player and page, until standard input has; or
+  // until a signal comes. Failures go to the verdict.
   void Run();
 
   // The lines delivered.

@@ -7,7 +7,7 @@
 namespace driverhost {
 
 // The first of the words that are nearest to what somebody wrote: at most two letters added, left
-// out or replaced, or other letter case alone. Empty when none is that near.
+// out or replaced, or a difference in letter case alone. Empty when none is that near.
 std::string NearestWord(std::string_view written, const std::vector<std::string>& words);
 
 // ' (did you mean "WORD"?)', or nothing.

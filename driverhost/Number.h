@@ -5,7 +5,8 @@
 
 namespace driverhost {
 
-// The number that decimal digits alone stand for; nothing for any other text and beyond the type.
+// The number that decimal digits alone stand for; nothing for any other text and for a number that
+// the type cannot hold.
 std::optional<unsigned long> ReadNumber(std::string_view text);
 
 }  // namespace driverhost

@@ -11,7 +11,7 @@ class Output {
   void Write(std::string_view text) { m_Pending += text; }
   void Flush();
 
-  // The errno of the write that failed; 0 while none did.
+  // The errno of the write that failed; 0 if none has.
   int Error() const { return m_Error; }
 
  private:

@@ -41,7 +41,8 @@ Player::~Player() {
 }
 
 void Player::Start() {
-  // What the program leaves behind becomes this process's child, so that its end is told, too.
+  // Processes that the program leaves become children of this one, so that their end is noticed,
+  // too.
   prctl(PR_SET_CHILD_SUBREAPER, 1);
   m_Children.add(SIGCHLD);
   WaitForChildren();

@@ -23,11 +23,11 @@ namespace driverhost {
 // gets the bound calls of the driver.
 class Player : public TrafficSink {
  public:
-  // How it ended, as waitpid tells; nothing when it has been told to stop.
+  // How the program ended, as waitpid reports it; nothing when it was stopped.
   using OnEnd = std::function<void(std::optional<int> status)>;
 
-  // `loop` outlives the object. `onEnd` is called once, after the last line: neither the program
-  // nor what it started in its process group is left then, or it cannot be killed.
+  // `loop` outlives the object. `onEnd` is called once, after the last line. By then nothing of the
+  // program's process group is left, unless it cannot be killed.
   Player(boost::asio::io_context& loop, std::vector<std::string> command, LineReader::OnLine onLine,
          OnEnd onEnd);
   ~Player() override;

@@ -14,7 +14,7 @@ namespace {
 
 // The columns before the text of a record.
 constexpr std::size_t s_Margin = 17;
-// The level of the host's log from which on a line tells of a failure.
+// From this level on, a line of the host's log reports a failure.
 constexpr unsigned long s_FailureLevel = 3;
 
 struct Colours {

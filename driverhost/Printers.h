@@ -22,8 +22,9 @@ class JsonPrinter : public TrafficSink {
   unsigned long m_Step = 0;
 };
 
-// Shows the session as a case: each line as it stands, its traffic behind it. Whoever reads the
-// session writes the lines that are no steps. The traffic of the driver's destruction is left out.
+// Shows the session as a case: each line as it stands, its traffic after it. The lines that are no
+// steps are written by whoever reads the session. The traffic of the driver's destruction is left
+// out.
 class CasePrinter : public TrafficSink {
  public:
   // `output` outlives the object.

@@ -4,7 +4,7 @@
 
 namespace driverhost {
 
-// A line on the way is written over, by the next one or by nothing.
+// Each line of progress is overwritten by the next one; the last one is erased.
 Progress::~Progress() {
   if (m_Told) std::fputs("\r\033[K", stderr);
 }

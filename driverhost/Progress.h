@@ -6,7 +6,7 @@
 
 namespace driverhost {
 
-// Tells on standard error, a terminal, how far quiet work has come when it takes long.
+// Shows on standard error, a terminal, how far quiet work that takes long has come.
 class Progress : public TrafficSink {
  public:
   ~Progress() override;

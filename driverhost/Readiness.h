@@ -7,7 +7,7 @@
 
 namespace driverhost {
 
-// Tells within a loop when a descriptor can be read from. The descriptor's own flags, which other
+// Waits within a loop until a descriptor can be read from. The descriptor's own flags, which other
 // processes may share, stay as they are.
 class Readiness {
  public:
@@ -19,7 +19,7 @@ class Readiness {
 
  private:
   boost::asio::posix::stream_descriptor m_Watch;  // an epoll of its own
-  bool m_Always;                                  // such as a file, which nobody waits for
+  bool m_Always;                                  // always readable, such as a file
 };
 
 }  // namespace driverhost

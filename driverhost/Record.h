@@ -31,7 +31,7 @@ struct Record {
   // Null for a key that the record lacks.
   const Value& operator[](std::string_view key) const;
 
-  // Require: the field is there and is a text, or a number.
+  // Require: the field is there and has this type.
   std::string_view Text(std::string_view key) const;
   unsigned long Number(std::string_view key) const;
 };

@@ -8,8 +8,8 @@
 
 namespace driverhost {
 
-// Writes a session of the lines that are delivered, each with its time and before the driver gets
-// it. Files given by path stand in it as their text.
+// Writes the lines that are delivered as a session, each with its time, before the driver gets it.
+// Files given by path are replaced by their text.
 class Recorder : public TrafficSink {
  public:
   // The session starts now. Throws std::runtime_error when the file cannot be written.
@@ -17,7 +17,7 @@ class Recorder : public TrafficSink {
 
   void OnStep(unsigned long number, const Step& step) override;
 
-  // The errno of the write that failed, after which nothing is written; 0 while none did.
+  // The errno of the write that failed, after which nothing is written; 0 if none has.
   int Error() const { return m_Error; }
 
  private:

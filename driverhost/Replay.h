@@ -13,13 +13,13 @@ namespace driverhost {
 struct ReplayOptions {
   unsigned long repeat = 1;
   bool served = false;  // waits before each line, and at the end until it is to end
-  double pace = 0;      // so many times as fast as the lines' times say; 0: as fast as it goes
+  double pace = 0;      // how many times as fast as the lines' times say; 0: as fast as it goes
 };
 
 // Plays a session's lines, in each round, between a driver's creation and its destruction.
 class Replay {
  public:
-  // Waits until then. Returns false when the replay is to end instead.
+  // Waits until that time. Returns false when the replay has to end before.
   using Wait = std::function<bool(std::chrono::steady_clock::time_point)>;
 
   // Everything is borrowed and outlives the object. `comment`, which may be empty, gets each line
@@ -27,7 +27,7 @@ class Replay {
   Replay(const ReplayOptions& options, Session& session, Life& life, Output& output,
          Verdict& verdict, Wait wait, std::function<void(std::string_view)> comment);
 
-  // Runs once. What goes wrong is told through the verdict.
+  // Runs once. Failures go to the verdict.
   void Run();
 
   // The lines played, in all rounds, the skipped ones too.
@@ -37,7 +37,7 @@ class Replay {
   // Whether a signal, or standard output, ends the replay before the session does.
   bool Stopped() const;
 
-  // These return false when the replay is to end.
+  // These return false when the replay has to end.
   bool PlayRounds();
   bool PlayRound();
   bool PlayLine(const LineSplitter::Line& line);

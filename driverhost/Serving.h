@@ -13,8 +13,8 @@
 
 namespace driverhost {
 
-// Serves the page while a session waits for its next line. What is posted bears the number of the
-// line before it.
+// Serves the page while a session waits for its next line. A posted line gets the step number of
+// the line before it.
 class Serving : public TrafficSink {
  public:
   // `interrupt` is the descriptor of CatchInterrupts. The rest is borrowed and outlives the object.
@@ -28,7 +28,7 @@ class Serving : public TrafficSink {
   Serving(const Serving&) = delete;
   Serving& operator=(const Serving&) = delete;
 
-  // Until then, or until the program is to end; false in the latter case.
+  // Serves until that time. Returns false when the program has to end before.
   bool Until(std::chrono::steady_clock::time_point time);
 
   void OnStep(unsigned long number, const Step& step) override;

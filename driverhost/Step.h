@@ -42,13 +42,13 @@ struct Persist {};
 // destruction are steps without a line and without a call.
 struct Step {
   std::string title;  // the kind and the name, legible and short: "notify NEW_LIST"
-  // The line that it was read from, without its line break, its number and where it came from, as
-  // messages name it; borrowed from whoever read it.
+  // The line's text, without its line break; where it came from, as messages name it; its number
+  // there. Borrowed from whoever read it.
   std::string_view text;
   std::string_view source;
   unsigned long line = 0;
   std::optional<double> at;  // seconds since the session's start
-  // Of each file that the line gives by its path: that path and the text that it stands for.
+  // Each file that the line gives by its path, with the text that takes the path's place.
   std::map<std::string, std::string> files;
   std::string hint;  // what is hardly meant in the line, though it is legal; mostly empty
   std::variant<std::monostate, Notify, Execute, Request, Bind, Unbind, Rooms, Persist> call;

@@ -179,7 +179,7 @@ class Line {
     Fail(Quoted(name) + R"( must be a string, {"bytes": BASE64} or {"base64_of_file": PATH})");
   }
 
-  // What is no file of a known size might never end.
+  // A pipe or a device has no size and might never end.
   const std::string& FileText(const std::string& name) {
     if (!m_Folder) Fail("the file " + Quoted(name) + " may not be named here");
     const auto [file, isNew] = m_Files.try_emplace(name);

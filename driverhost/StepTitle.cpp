@@ -19,7 +19,7 @@ class Title {
  public:
   explicit Title(bool whole) : m_Whole(whole) {}
 
-  // The first member is the kind with its name: a line has it first, whatever the order in it.
+  // The title begins with the kind and its name, wherever they stand in the line.
   std::string Of(const Json& line) {
     std::string rest;
     for (const auto& [key, value] : line.items()) {

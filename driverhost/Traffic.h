@@ -12,7 +12,7 @@
 
 namespace driverhost {
 
-// Hears the traffic of a driver. Everything is borrowed for the call.
+// Receives the traffic of a driver. Everything is borrowed for the call.
 class TrafficSink {
  public:
   virtual ~TrafficSink() = default;

@@ -59,7 +59,7 @@ bool SleepUntil(Clock::time_point time) {
   return Interrupted() == 0;
 }
 
-// Who closes the pipe has seen enough; that is no failure.
+// Whoever closes the pipe has seen enough; that is no failure.
 void CheckOutput(const Output& output, Verdict& verdict) {
   const int error = output.Error();
   if (error == 0 || error == EPIPE) return;
@@ -87,7 +87,7 @@ struct Bench {
   std::optional<HttpOptions> http;
 };
 
-// A driver may misbehave while it is loaded.
+// A driver may misbehave even while it is loaded.
 const std::string& Guarded(const CommandLine& line, Output& output) {
   CallGuard::Install(output, line.timeout);
   return line.driver;
