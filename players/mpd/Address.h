@@ -12,8 +12,8 @@ struct Address {
   socklen_t size = 0;
 };
 
-// Where a host answers: a path is a Unix socket, @NAME an abstract one, all else is looked up.
-// Throws std::runtime_error.
+// The addresses of a host: a path is a Unix socket, @NAME an abstract one, all else is looked up.
+// Throws std::runtime_error, whose text says why there is none.
 std::vector<Address> Resolve(const std::string& host, unsigned port);
 
 }  // namespace mpdplayer

@@ -35,7 +35,7 @@ constexpr Row s_Rows[] = {
     {"playlist:", "", "listplaylistinfo ", ""},
 };
 
-// The kind with its colon, and what stands behind it.
+// The kind with its colon, and what follows it.
 std::pair<std::string, std::string> Split(const std::string& id) {
   const std::size_t end = std::min(id.find(':'), id.size() - 1) + 1;
   return {id.substr(0, end), id.substr(end)};

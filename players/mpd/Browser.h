@@ -11,7 +11,8 @@ namespace mpdplayer {
 
 // Answers requests for menus and lists. An item's id says all that is needed to find it again:
 // "artist:NAME", "album:NAME", "album-of:ARTIST/NAME", "folder:PATH", "playlist:NAME", "song:URI"
-// and "queue:POSITION:URI". Each operation throws std::invalid_argument, or tells `refused` later.
+// and "queue:POSITION:URI". Each operation throws std::invalid_argument for a wrong argument; what
+// MPD refuses goes to `refused` later.
 class Browser {
  public:
   using Refused = std::function<void(const std::string& why)>;
@@ -22,7 +23,7 @@ class Browser {
   void Browse(const std::string& id, Window window, Refused refused);
   void Search(const std::string& text, Window window, Refused refused);
 
-  // Plays a song where it stands in the queue, or adds it.
+  // Plays a song where it stands in the queue; one that is not there is added first.
   void Play(const std::string& id, const Refused& refused);
 
   void SetQueueLength(std::size_t length) { m_QueueLength = length; }

@@ -12,7 +12,7 @@
 
 namespace mpdplayer {
 
-// A command as the driver has sent it. Reading a parameter throws std::invalid_argument.
+// A command as the driver has sent it. Reading a wrong parameter throws std::invalid_argument.
 struct Commands::Call {
   std::string name;
   std::vector<std::pair<std::string, std::string>> params;

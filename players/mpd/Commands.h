@@ -17,7 +17,7 @@ class Commands {
   Commands(Link& link, Browser& browser, std::function<void()> onReset)
       : m_Link(link), m_Browser(browser), m_OnReset(std::move(onReset)) {}
 
-  // A traffic record, while the link is up.
+  // Carries out the call in a traffic record. Only while the link is up.
   void Obey(const std::string& record);
 
  private:

@@ -88,7 +88,7 @@ void CoverArt::OnAnswer(const std::string& refusal) {
   m_Bytes = std::string();
 }
 
-// The driver knows no word for a song without a picture: the path of none stands for it.
+// No message says that a song has no picture: an empty path stands for that.
 void CoverArt::Tell() {
   static const std::size_t none = std::hash<std::string>()({});
   std::size_t hash = std::hash<std::string>()(m_Bytes);

@@ -22,16 +22,16 @@ class CoverArt {
   CoverArt(Link& link, Output& output, ArtOptions options)
       : m_Link(link), m_Output(output), m_Options(options) {}
 
-  // The current song, empty when there is none. Its picture is fetched when it is another song.
+  // The current song, empty when there is none. The picture is fetched when the song is a new one.
   void Follow(const std::string& uri);
 
-  // The picture is fetched at the next Follow, and told if it has changed.
+  // At the next Follow the picture is fetched anew, and sent if it has changed.
   void Recheck() { m_Stale = true; }
 
-  // Told at the next Follow, changed or not.
+  // At the next Follow the picture is sent, changed or not.
   void Forget();
 
-  // The connection was lost. A picture that loses it three times is not asked for again.
+  // The connection was lost. A picture that has cost it three times is not asked for again.
   void OnDown();
 
  private:
@@ -47,7 +47,7 @@ class CoverArt {
 
   std::string m_Uri;
   bool m_Stale = true;
-  unsigned m_Fetch = 0;  // counts, so that answers for another song are known
+  unsigned m_Fetch = 0;  // counts, so that answers for another song are recognised
   bool m_Fetching = false;
   bool m_Embedded = true;
   std::string m_Bytes;
@@ -55,8 +55,8 @@ class CoverArt {
   std::size_t m_PieceSize = 0;
   std::string m_Fault;
 
-  std::optional<std::size_t> m_Told;  // the hash of the file that was told last
-  std::string m_Trouble;              // the song whose picture has lost the connection
+  std::optional<std::size_t> m_Told;  // the hash of the file that was sent last
+  std::string m_Trouble;              // the song whose picture has cost the connection
   int m_Losses = 0;
 };
 

@@ -27,7 +27,7 @@ constexpr milliseconds s_ShortestPause{250};
 constexpr milliseconds s_LongestPause{10000};
 constexpr char s_IdleCommand[] = "idle player playlist options database\n";
 
-// A peer that has vanished without a word is noticed by the kernel.
+// Lets the kernel notice a peer that has vanished without a word.
 void KeepAlive(int fd) {
   const auto set = [fd](int level, int option, int value) {
     setsockopt(fd, level, option, &value, sizeof value);
@@ -143,7 +143,7 @@ void Link::Drop(const std::string& reason) {
   m_Handlers.onDown(reason);
 }
 
-// `fault` is what the address before answered.
+// `fault` says why the previous address failed.
 void Link::ConnectNext(const std::string& fault) {
   Close();
   std::string reason = fault;

@@ -17,7 +17,7 @@ namespace mpdplayer {
 
 using Clock = std::chrono::steady_clock;
 
-// What makes a connection useless. Thrown by a handler of an answer too.
+// Why a connection is of no more use. A handler of an answer may throw it, too.
 struct LinkError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
@@ -26,12 +26,12 @@ struct LinkError : std::runtime_error {
 // to write it.
 std::string Argument(std::string_view text);
 
-// Commands, one a line, as one with one answer.
+// Joins commands, one a line, into one with one answer.
 std::string CommandList(const std::string& commands);
 
-// One command, or a list of them, and what is done with its answer. The end is told what MPD
-// refused it with, or an empty text. A "binary" pair's value is the bytes. When the connection is
-// lost, neither is called.
+// One command, or a list of them, and what is done with its answer. `onEnd` gets the text with
+// which MPD refused it, or an empty one. A "binary" pair's value is the bytes. When the connection
+// is lost, neither is called.
 struct Request {
   std::string command;
   std::function<void(std::string_view name, std::string_view value)> onPair;

@@ -22,8 +22,8 @@ class Listing {
  public:
   struct Kind {
     std::string title;
-    std::string tag;       // each of this tag's values is an item, not only files and the like
-    std::string itemKind;  // what the ids of such items start with
+    std::string tag;                         // each value of this tag is an item, too
+    std::string itemKind;                    // what the ids of such items start with
     std::optional<std::size_t> queueLength;  // for the queue, whose answer starts at the window
   };
 
@@ -51,7 +51,7 @@ class Listing {
   bool m_InWindow = false;
 };
 
-// Says the items of a menu or a list, which the driver passes on with the last.
+// Sends the items of a menu or a list, which the driver passes on with the last one.
 struct ItemTexts {
   std::string id;
   std::string type;

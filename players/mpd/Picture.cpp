@@ -59,7 +59,7 @@ class Decoder {
     if (m_Open) gdk_pixbuf_loader_close(m_Loader.get(), nullptr);
   }
 
-  // False when it does not say its size.
+  // False when the file does not say its size.
   bool DecodeSize() {
     Feed([this] { return m_Width > 0; });
     return m_Width > 0;
@@ -85,7 +85,7 @@ class Decoder {
     decoder.m_Width = width;
     decoder.m_Height = height;
     if (decoder.TooLarge()) {
-      gdk_pixbuf_loader_set_size(loader, 0, 0);  // which no decoder takes
+      gdk_pixbuf_loader_set_size(loader, 0, 0);  // stops the decoder
     } else if (!decoder.Fits()) {
       gdk_pixbuf_loader_set_size(loader, decoder.Scaled(width), decoder.Scaled(height));
     }

@@ -14,7 +14,7 @@
 
 namespace mpdplayer {
 
-// What "status" and "currentsong" answer, in this order, in one answer.
+// The answer to a list of "status" and "currentsong", in this order.
 class PlayerState {
  public:
   PlayerState();
@@ -31,12 +31,12 @@ inline constexpr char s_ShuffleModes[] = "Off,On";
 inline constexpr char s_RepeatModes[] = "Off,All,One";
 inline constexpr char s_MediaLabels[] = "Title,Artist,Album";
 
-// Tells the driver what MPD does, and nothing twice that has not changed.
+// Tells the driver what MPD does, and repeats nothing that has not changed.
 class Reports {
  public:
   explicit Reports(Output& output) : m_Output(output) {}
 
-  // Says what the notification says, unless it is what it said last.
+  // Sends the notification unless it says what it said last.
   void Say(const std::string& notification, const Params& params);
 
   void Modes();
@@ -46,7 +46,7 @@ class Reports {
   Clock::time_point NextTick() const { return m_NextTick; }
   void Tick();
 
-  // From now on everything is new.
+  // Forgets what was sent, so that everything is sent again.
   void Forget();
 
  private:

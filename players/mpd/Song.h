@@ -17,7 +17,7 @@ struct Song {
 
   void Take(std::string_view tag, std::string_view value);
 
-  // The title, or what comes next to it.
+  // The title, or else what can stand for it.
   std::string Text() const;
 };
 
