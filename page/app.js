@@ -84,7 +84,7 @@ function takeWaiting() {
   if (waiting.length) setTimeout(takeWaiting, TURN_MS - TAKING_MS);
 }
 
-// Whether there was time left for it.
+// Returns whether there was time left for it.
 function takeInTurn(line) {
   const began = performance.now();
   if (began > turnEnds) [turnEnds, taking] = [began + TURN_MS, 0];
@@ -113,7 +113,7 @@ function take(root) {
   else if (state.apply(root, performance.now())) {
     redraw(player);
     if (root.nodeName === 'CURRENT_SETTINGS') redraw(browse);
-    // What a player can do comes with the report alone, and may be another when it is back.
+    // Only the report says what a player can do, which may have changed when it is back.
     if (root.nodeName === 'online_status' && state.can('online') && wasOnline !== 'True') send('QUERY_CURRENT_SETTINGS');
   } else notice(`${root.nodeName} ${[...root.querySelectorAll('*')].filter(each => !each.children.length).map(each => each.textContent).join(' ')}`);
 }

@@ -8,7 +8,7 @@ const DEEPEST = 50;
 const MOST_SHOWN = 2000;
 const ANSWER_MS = 10000;
 
-// A list without items comes with one that is empty, because a document is sent with its last item.
+// A list without items comes with one empty item, because a document is sent with its last item.
 function itemsOf(root) {
   const items = [...root.children].find(child => child.nodeName === 'items');
   return [...(items ? items.children : [])].map(item => ({
@@ -16,8 +16,8 @@ function itemsOf(root) {
   })).filter(item => item.id || item.text);
 }
 
-// Menus and lists as they come. The documents do not say what they answer, so that a page remembers
-// what it asked for last; what nobody here asked for is shown all the same.
+// Menus and lists as they come. A document does not say what it answers, so the page remembers what it
+// asked for last; what it did not ask for is shown all the same.
 export class Browse {
   #state;
   #send;
