@@ -110,7 +110,7 @@ void free(void* block) {
 }
 }
 
-// Faults are not for libxml2, with which the tests read documents.
+// libxml2, with which the tests read documents, is spared the faults.
 const int s_Parser = xmlMemSetup(&__libc_free, &__libc_malloc, &__libc_realloc, [](const char* text) {
   const std::size_t size = std::strlen(text) + 1;
   return static_cast<char*>(std::memcpy(__libc_malloc(size), text, size));

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Players that are hard to live with, and time, at driverhost's door: live_test.py DRIVERHOST"""
+"""live_test.py DRIVERHOST: the program with players that are hard to live with, and its sense of time."""
 
 import os
 import signal
@@ -12,7 +12,7 @@ import unittest
 DRIVERHOST = os.path.abspath(sys.argv.pop(1))
 LINE = """'{"notify":"A"}'"""
 CALL = """'{"command":"X"}'"""
-# None of these ends by itself; each tells its process id.
+# None of these ends by itself; each prints its process id.
 STUBBORN = {
     'waits': 'echo $$ >&2; exec sleep 1000',
     'ignores SIGTERM': 'trap "" TERM; echo $$ >&2; while :; do sleep 1000; done',
@@ -24,7 +24,7 @@ STUBBORN = {
     'has closed its input': f'echo $$ >&2; exec yes {CALL} <&-',
     'has a child that ignores SIGTERM': '(trap "" TERM; echo $$ >&2; exec sleep 1000) & exec sleep 1000',
 }
-# The most memory in kB that a player's output may cost: what it writes, and that.
+# What a player writes, and the most memory in kB that it may cost.
 HEAVY = {
     'head -c 1000000000 /dev/zero': 400000,
     f'yes "$(printf %s {LINE}; head -c 20000 /dev/zero | tr "\\0" " ")" | head -4000': 100000,

@@ -32,7 +32,7 @@ FLAGS = [f'has_{each}' for each in 'shuffle repeat play pause stop skip_fwd skip
 
 
 def until(what, check):
-    """The first true answer of the check, which is asked again until a generous time has passed."""
+    """Repeats the check until its answer is true, and returns that; fails after a generous time."""
     end = time.monotonic() + 60
     while True:
         answer = check()

@@ -43,7 +43,7 @@ class Device:
         self.process.stdin.flush()
 
     def next(self, *names):
-        """The parameters of the next message of such a name, in a list behind the name."""
+        """The next message of one of these names: a list of the name and the parameters."""
         while True:
             try:
                 message = json.loads(self.said.get(timeout=BOUND))
@@ -272,7 +272,7 @@ def piece(data, size=None, stated=None):
 
 
 class FalseMpd:
-    """Answers as it is told: a table of the commands' first words; an answer for each time, the last one ever after."""
+    """Answers by a table: for a command's first word, one answer for each time that it comes; the last one goes on."""
 
     def __init__(self, **answers):
         self.answers = {"commands": [b"command: play\nOK\n"], "status": [b"state: pause\n" + SONG + b"OK\n"],
@@ -361,7 +361,7 @@ def hostile_answers(_):
 
 
 def unread_output(_):
-    """While nobody reads, nothing piles up; then what holds now is told, and the end of the input is still seen."""
+    """While nobody reads, nothing piles up; then what holds now is sent, and the end of the input is still seen."""
     busy = [b"changed: player\nOK\n"]
     titles = [b"state: pause\nfile: %d\nTitle: " % n + b"x" * 3000 + b"%d\nOK\n" % n for n in range(600)]
     with FalseMpd(idle=busy, status=titles, readpicture=[b"OK\n"]) as mpd:
