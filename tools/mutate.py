@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""tools/mutate.py [NUMBER] [SEED]: breaks the plug-in in NUMBER small ways, one at a time, and tells which of them the
+"""tools/mutate.py [NUMBER] [SEED]: breaks the plug-in in NUMBER small ways, one at a time, and prints which of them the
 tests do not notice. Exit status 0 when every mutant is killed."""
 import concurrent.futures
 import os
