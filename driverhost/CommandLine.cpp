@@ -127,7 +127,7 @@ void DescribeReplay(CLI::App& app, CommandLine& line) {
                  "A session file, - for standard input [the demonstration]")
       ->type_name("");
   DescribeCommon(app, line, s_ReplayExamples);
-  app.add_flag("--case", line.asCase, "Make a case: each line, its traffic behind it");
+  app.add_flag("--case", line.asCase, "Make a case: each line, its traffic after it");
   DescribeLife(app, line);
   AddInteger(app, "--repeat", line.replay.repeat, 1, "Play it N times into the same driver [1]");
   AddDecimal(app, "--pace", line.replay.pace, "X",
@@ -190,7 +190,7 @@ std::optional<CommandLine> ReadCommandLine(int argc, char** argv, int& status) {
   CLI::App app("The bench host for driver plug-ins", "driverhost");
   app.require_subcommand(1);
   app.set_version_flag("--version", "driverhost " MEDIAPROXY_VERSION);
-  app.footer("driverhost COMMAND --help tells more.");
+  app.footer("driverhost COMMAND --help shows more.");
   app.get_formatter()->column_width(s_OptionColumns);
   for (const Subcommand& subcommand : s_Subcommands) {
     CLI::App& command = *app.add_subcommand(subcommand.name, subcommand.help);
