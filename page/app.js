@@ -134,7 +134,7 @@ const KEYS = {
   Escape: () => { if (!traffic.closeRecord()) browse.back(); },
 };
 
-// Whether the key belongs to what has the focus.
+// Returns whether the key belongs to the element that has the focus.
 function isTaken(event) {
   if (event.defaultPrevented || event.ctrlKey || event.metaKey || event.altKey) return true;
   if (event.target.matches('input:not([type=range]), select')) return event.key !== 'Escape';

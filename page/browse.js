@@ -37,7 +37,7 @@ export class Browse {
     $('#list').onkeydown = event => this.#move(event);
   }
 
-  // Whether the document was a menu or a list.
+  // Returns whether the document was a menu or a list.
   take(root) {
     const isList = root.nodeName === 'list';
     if (!isList && root.nodeName !== 'menu_list') return false;

@@ -1,4 +1,4 @@
-// The door to the program: records come in, commands go out.
+// The connection to the program: records come in, commands go out.
 
 const RETRY_MS = 1000;
 

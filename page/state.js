@@ -63,7 +63,8 @@ export class State {
   get playing() { return this.values.play_status === 'Playing'; }
   can(flag) { return this.values[flag] === 'True'; }
 
-  // Whether the document was one about the player's state. Names of values begin with a small letter.
+  // Returns whether the document was one about the player's state. Names of values begin with a small
+  // letter.
   apply(root, now) {
     if (!REPORTS.has(root.nodeName)) return false;
     const wasPlaying = this.playing;

@@ -22,7 +22,7 @@ const KINDS = {
   page: ['page', record => record.text || JSON.stringify(record)],
 };
 
-// The records that are kept; the old ones go.
+// Keeps the newest records.
 class Records {
   all = [];
   #characters = 0;
@@ -32,7 +32,7 @@ class Records {
     this.#characters += entry.line.length;
   }
 
-  // How many of the oldest went.
+  // Drops the oldest ones and returns how many.
   trim() {
     let gone = Math.max(0, this.all.length - MOST_RECORDS);
     for (let index = 0; index < gone; index += 1) this.#characters -= this.all[index].line.length;
@@ -104,7 +104,7 @@ export class Traffic {
     $('#filter').select();
   }
 
-  // Whether there was one open.
+  // Returns whether one was open.
   closeRecord() {
     if ($('#record').hidden) return false;
     $('#record').hidden = true;
