@@ -67,8 +67,8 @@ void RunNotification(benchmark::State& state, const Cover& cover) {
   for (auto _ : state) driver.Host().Notify(*message);
 }
 
-// One after the other, as in the handler, so that each finds the processor's caches alike; behind a
-// copy of the text when `copies`, as the host's interface has it.
+// One after the other, as in the handler, so that each finds the processor's caches alike; after a
+// copy of the text if `copies`, as the host's interface has it.
 void RunLimit(benchmark::State& state, const Cover& cover, bool copies) {
   const std::string text = Base64(cover.bytes);
   for (auto _ : state) {

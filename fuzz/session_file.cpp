@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
   } catch (const driverhost::SessionError& error) {
     const std::string where = file + ':' + std::to_string(session.Lines()) + ": ";
-    Require(std::string(error.what()).rfind(where, 0) == 0, "a wrong line is told with its number", error.what());
+    Require(std::string(error.what()).rfind(where, 0) == 0, "a wrong line is reported with its number", error.what());
   }
   Require(standin::GetLedger().Empty(), "nothing is left of a session");
   return 0;

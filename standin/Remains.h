@@ -7,7 +7,7 @@
 namespace standin {
 
 // A host object after its last reference. It is destroyed when the host's call into the driver is
-// over, so that a driver that uses it once more in that call can be told so.
+// over, so that a use of it by the driver in that call can be reported.
 struct Remains {
   explicit Remains(void (*destruction)(Remains*)) : destroy(destruction) {}
 

@@ -48,7 +48,7 @@ class Device:
             try:
                 message = json.loads(self.said.get(timeout=BOUND))
             except queue.Empty:
-                raise AssertionError(f"no {names} behind {self.seen[-20:]}") from None
+                raise AssertionError(f"no {names} after {self.seen[-20:]}") from None
             name = message.get("notify", "bind")
             values = list(message.get("params", message.get("capabilities", {})).values())
             self.seen.append([name, *[str(v)[:60] for v in values]])
@@ -232,7 +232,7 @@ def pictures(mpd):
                 d.say("PLAY", ID=mpd.E)
                 d.wait("MEDIA_INFO_CHANGED", "E.flac", "", "")
                 told = [d.list("BROWSE", ID="albums") and d.seen.count([*found[:1], *[v[:60] for v in found[1:]]]) for _ in "ab"]
-                assert told == [1, 1], "the same picture is told twice"
+                assert told == [1, 1], "the same picture is sent twice"
                 mpd.mpc("del", "5")
             d.say("PLAY", ID=mpd.D)
             assert d.next("NEW_COVERART", "COVERART_PATH_CHANGED") == ["COVERART_PATH_CHANGED", "", "0", "0"]
