@@ -23,8 +23,9 @@ namespace driverhost {
 namespace {
 
 constexpr char s_Statuses[] =
-    R"(Exit status: 0 it ran; 1 the driver failed; 2 the command line or the session is
-wrong; 130 interrupted. NO_COLOR in the environment turns colours off.)";
+    R"(Exit status: 0 all went well; 1 the driver failed or a case differs; 2 the
+command line, the session or a case is wrong; 130 interrupted. NO_COLOR in the
+environment turns colours off.)";
 
 constexpr char s_ReplayExamples[] = R"(Examples:
   driverhost replay                          plays the demonstration
@@ -33,7 +34,7 @@ constexpr char s_ReplayExamples[] = R"(Examples:
 )";
 
 constexpr char s_LiveExamples[] =
-    R"(Behind --: the player, a program that is the bound device, with its arguments.
+    R"(After --: the player, a program that is the bound device, with its arguments.
 
 Examples:
   driverhost live -- mpd-player
@@ -105,7 +106,7 @@ void AddHttp(CLI::App& app, CommandLine& line) {
 // Options of the commands that play into one driver.
 void DescribeLife(CLI::App& app, CommandLine& line) {
   AddText(app, "--image-root", line.imageRoot, "DIR",
-          "Where pictures are written [a temporary one]");
+          "Where pictures are written [a temporary directory]");
   AddInteger(app, "--id", line.id, 0, "The driver's id [1]");
   AddHttp(app, line);
   app.add_flag("--full", line.full, "Whole values, documents indented");
@@ -113,10 +114,12 @@ void DescribeLife(CLI::App& app, CommandLine& line) {
 
 // Options of all commands.
 void DescribeCommon(CLI::App& app, CommandLine& line, const char* examples) {
-  AddText(app, "--driver", line.driver, "FILE", "The plug-in to load [the one that came along]");
-  AddDecimal(app, "--timeout", line.timeout, "S", "Seconds for a call into it, 0: for ever [10]");
+  AddText(app, "--driver", line.driver, "FILE",
+          "The plug-in to load [the one installed with this]");
+  AddDecimal(app, "--timeout", line.timeout, "S",
+             "Seconds for a call into the driver, 0: no limit [10]");
   app.add_flag("--json", line.json, "One JSON object a line");
-  app.add_flag("--quiet", line.quiet, "Do not show what is as it should be");
+  app.add_flag("--quiet", line.quiet, "Show only what is wrong, and the summary");
   app.add_flag("--strict", line.strict, "A hint is a failure");
   app.footer(examples + std::string("\n") + s_Statuses);
   app.get_formatter()->column_width(s_OptionColumns);
@@ -129,9 +132,10 @@ void DescribeReplay(CLI::App& app, CommandLine& line) {
   DescribeCommon(app, line, s_ReplayExamples);
   app.add_flag("--case", line.asCase, "Make a case: each line, its traffic after it");
   DescribeLife(app, line);
-  AddInteger(app, "--repeat", line.replay.repeat, 1, "Play it N times into the same driver [1]");
+  AddInteger(app, "--repeat", line.replay.repeat, 1,
+             "Play the session N times into the same driver [1]");
   AddDecimal(app, "--pace", line.replay.pace, "X",
-             "Keep the lines' times, X times as fast [as it goes]");
+             "Keep the lines' times, X times as fast [do not wait]");
 }
 
 void DescribeLive(CLI::App& app, CommandLine& line) {
@@ -143,8 +147,8 @@ void DescribeLive(CLI::App& app, CommandLine& line) {
 void DescribeCheck(CLI::App& app, CommandLine& line) {
   app.add_option("CASE", line.check.cases, "Case files, - for standard input")->type_name("");
   DescribeCommon(app, line, s_CheckExamples);
-  app.add_flag("--update", line.check.update, "Write what comes into the cases");
-  app.add_flag("--coverage", line.check.coverage, "What the cases delivered of what is registered");
+  app.add_flag("--update", line.check.update, "Rewrite the cases with the traffic that comes");
+  app.add_flag("--coverage", line.check.coverage, "Show which registered names the cases deliver");
 }
 
 struct Subcommand {
@@ -156,7 +160,7 @@ struct Subcommand {
 constexpr Subcommand s_Subcommands[] = {
     {"replay", Command::Replay, "Play a session into a driver", &DescribeReplay},
     {"live", Command::Live, "Bind a running player to a driver", &DescribeLive},
-    {"check", Command::Check, "Play cases, compare the traffic with theirs", &DescribeCheck},
+    {"check", Command::Check, "Play cases and compare the traffic with theirs", &DescribeCheck},
 };
 
 // The error for a first word that is no command; empty when it is one.
