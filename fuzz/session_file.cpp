@@ -1,5 +1,7 @@
 #include "driverhost/Session.h"
-#include "fuzz/Bench.h"
+#include "tests/bench/Bench.h"
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -7,19 +9,20 @@
 #include <fstream>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const std::string file = Bench::Root() + "session.ndjson";
+  static const Directory directory;
+  static const std::string file = directory.path + "session.ndjson";
   std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
   driverhost::Session session(file);
   try {
     while (const auto step = session.Next()) {
-      Require(step->line == session.Lines(), "a step knows its line");
-      Require(std::none_of(step->title.begin(), step->title.end(), [](unsigned char c) { return c < 0x20; }),
-              "a title is one legible line", step->title);
+      EXPECT_EQ(step->line, session.Lines());
+      EXPECT_TRUE(std::none_of(step->title.begin(), step->title.end(), [](unsigned char c) { return c < 0x20; }))
+          << step->title;
     }
   } catch (const driverhost::SessionError& error) {
     const std::string where = file + ':' + std::to_string(session.Lines()) + ": ";
-    Require(std::string(error.what()).rfind(where, 0) == 0, "a wrong line is reported with its number", error.what());
+    EXPECT_EQ(std::string(error.what()).rfind(where, 0), 0U) << error.what();
   }
-  Require(standin::GetLedger().Empty(), "nothing is left of a session");
+  EXPECT_TRUE(standin::GetLedger().Empty());
   return 0;
 }

@@ -1,6 +1,6 @@
 #include "tests/FaultPoints.h"
 
-#include "tests/Bench.h"
+#include "tests/bench/Bench.h"
 
 #include <gtest/gtest.h>
 #include <jpeglib.h>

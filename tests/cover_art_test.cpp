@@ -1,5 +1,5 @@
 #include "driverhost/Base64.h"
-#include "tests/Bench.h"
+#include "tests/bench/Bench.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "driverhost/Comparison.h"
 #include "driverhost/Session.h"
-#include "tests/Bench.h"
+#include "tests/bench/Bench.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
@@ -29,17 +29,16 @@ struct Ended {
 // holds `session` as "s". "bad COMMAND" checks a case of that command with the driver that misbehaves, then the session
 // as one that expects nothing.
 Ended Shell(const std::string& command, const std::string& session = "") {
-  const std::string directory = MakeDirectory() + '/';
-  std::ofstream(directory + 's', std::ios::binary) << session;
+  const Directory directory;
+  const std::string& path = directory.path;
+  std::ofstream(path + 's', std::ios::binary) << session;
   const std::string whole =
-      "cd " + directory + " && export TMPDIR=. " PROGRAMS " S=" SESSIONS " MOST=" + std::to_string(ULONG_MAX) +
+      "cd " + path + " && export TMPDIR=. " PROGRAMS " S=" SESSIONS " MOST=" + std::to_string(ULONG_MAX) +
       " && bad() { echo '{\"command\":\"'$1'\"}' | $D check --driver $BAD --timeout ${2:-30} - s; }"
       " && (" +
       command + ") >out 2>err";
   const int status = std::system(whole.c_str());
-  Ended ended{WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadFile(directory + "out"), ReadFile(directory + "err")};
-  fs::remove_all(directory);
-  return ended;
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadFile(path + "out"), ReadFile(path + "err")};
 }
 
 Json Lines(const std::string& text) {

@@ -1,5 +1,5 @@
-#include "tests/Bench.h"
 #include "tests/FaultPoints.h"
+#include "tests/bench/Bench.h"
 
 #include <gtest/gtest.h>
 
@@ -23,8 +23,6 @@ constexpr int s_Errors[] = {ENOSPC, EACCES, EROFS, EIO, EMFILE};
 
 class Faults : public testing::Test {
  protected:
-  ~Faults() override { fs::remove_all(m_Root); }
-
   // What a driver that holds the old texts does with a message, and its settings before and after.
   struct Outcome {
     bool finished = false;
@@ -81,7 +79,8 @@ class Faults : public testing::Test {
     });
   }
 
-  const std::string m_Root = MakeDirectory() + '/';
+  const Directory m_Directory;
+  const std::string& m_Root = m_Directory.path;
   std::optional<standin::Plugin> m_Plugin{MEDIA_PLUGIN};
   const std::vector<Message> m_OldMessages = Messages(s_Old);
   Outcome m_Whole;

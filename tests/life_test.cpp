@@ -1,4 +1,4 @@
-#include "tests/Bench.h"
+#include "tests/bench/Bench.h"
 
 #include <gtest/gtest.h>
 
@@ -82,7 +82,8 @@ TEST(Life, HoldsItsDocumentWhileTheVariablesGo) {
 }
 
 TEST(Life, ComposesThePathsFromRootAndId) {
-  const std::string root = MakeDirectory();
+  const Directory made;
+  const std::string root = made.path.substr(0, made.path.size() - 1);
   fs::create_directories(root + "/file");
   std::ofstream(root + "/file/ipod") << "in the way";
   fs::create_directories(root + "/there/ipod/7");
@@ -114,7 +115,6 @@ TEST(Life, ComposesThePathsFromRootAndId) {
       EXPECT_EQ(ReadFile(root + directory + "/coverart.jpg"), "AB");
     }
   }
-  fs::remove_all(root);
 }
 
 TEST(Life, GoesOnWithoutAPathService) {

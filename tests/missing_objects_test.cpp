@@ -1,4 +1,4 @@
-#include "tests/Bench.h"
+#include "tests/bench/Bench.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include "tests/Bench.h"
 #include "tests/FaultPoints.h"
+#include "tests/bench/Bench.h"
 
 #include <gtest/gtest.h>
 
@@ -71,9 +71,9 @@ std::string Surroundings() {
 class Soak : public testing::Test {
  protected:
   Soak() { fs::copy_file(MEDIA_PLUGIN, m_Plugin); }
-  ~Soak() override { fs::remove_all(m_Root); }
 
-  const std::string m_Root = MakeDirectory() + '/';
+  const Directory m_Directory;
+  const std::string& m_Root = m_Directory.path;
   const std::string m_Plugin = m_Root + "plugin.so";
 };
 

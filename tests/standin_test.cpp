@@ -1,7 +1,7 @@
 #include "host/Base64Encoder.h"
 #include "host/TqXML.h"
 #include "host/XmlHelper.h"
-#include "tests/Bench.h"
+#include "tests/bench/Bench.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,6 @@
-#include "tests/Bench.h"
+#include "tests/bench/Bench.h"
 
 #include <gtest/gtest.h>
-#include <libxml/c14n.h>
 #include <libxml/parser.h>
 
 #include <clocale>
@@ -18,7 +17,7 @@ namespace fs = std::filesystem;
 namespace {
 
 std::string Checked(const std::string& xml) {
-  EXPECT_NE(Canonical(xml), "") << "not well-formed: " << xml;
+  EXPECT_NE(ParseXml(xml), nullptr) << "not well-formed: " << xml;
   return xml;
 }
 
@@ -47,6 +46,13 @@ class Surroundings : public testing::Environment {
 const auto* const s_Surroundings = testing::AddGlobalTestEnvironment(new Surroundings);
 
 }  // namespace
+
+Directory::Directory() : path(testing::TempDir() + "mediaproxy.XXXXXX") {
+  EXPECT_NE(mkdtemp(path.data()), nullptr);
+  path += '/';
+}
+
+Directory::~Directory() { fs::remove_all(path); }
 
 std::vector<std::string> Recorder::Take() { return std::exchange(lines, {}); }
 
@@ -101,7 +107,13 @@ const standin::Plugin& ThePlugin() {
   return plugin;
 }
 
-Bench::Bench() : root(MakeDirectory() + '/'), host(ThePlugin(), recorder, root) {
+static const std::string& ImageRoot() {
+  static const Directory directory;
+  return directory.path;
+}
+
+Bench::Bench() : root(ImageRoot()), host(ThePlugin(), recorder, root) {
+  fs::remove(root + "ipod/7/coverart.jpg");
   EXPECT_EQ(host.Initialize(7), 0);
   recorder.Take();
 }
@@ -109,7 +121,6 @@ Bench::Bench() : root(MakeDirectory() + '/'), host(ThePlugin(), recorder, root) 
 Bench::~Bench() {
   host.Destroy();
   EXPECT_TRUE(standin::GetLedger().Empty());
-  fs::remove_all(root);
 }
 
 std::vector<std::string> Bench::operator()(const Step& step) {
@@ -169,12 +180,6 @@ std::vector<Message> Messages(const std::string& text) {
   return all;
 }
 
-std::string MakeDirectory() {
-  std::string path = testing::TempDir() + "mediaproxy.XXXXXX";
-  EXPECT_NE(mkdtemp(path.data()), nullptr);
-  return path;
-}
-
 std::string ReadFile(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   EXPECT_TRUE(file) << path;
@@ -203,14 +208,13 @@ std::string Descriptors() {
   return open;
 }
 
-std::string Canonical(const std::string& xml) {
-  const std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> document(
-      xmlReadMemory(xml.data(), static_cast<int>(xml.size()), nullptr, "UTF-8",
-                    XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_HUGE),
-      &xmlFreeDoc);
-  if (!document) return {};
-  xmlChar* text = nullptr;
-  const int size = xmlC14NDocDumpMemory(document.get(), nullptr, XML_C14N_1_0, nullptr, 1, &text);
-  const std::unique_ptr<xmlChar, decltype(xmlFree)> owned(text, xmlFree);
-  return {reinterpret_cast<const char*>(text), static_cast<std::size_t>(size)};
+XmlDocument ParseXml(const std::string& xml) {
+  constexpr int options = XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_HUGE;
+  return {xmlReadMemory(xml.data(), static_cast<int>(xml.size()), nullptr, "UTF-8", options), &xmlFreeDoc};
+}
+
+std::string RootText(const XmlDocument& document) {
+  const std::unique_ptr<xmlBuffer, decltype(&xmlBufferFree)> text(xmlBufferCreate(), &xmlBufferFree);
+  xmlNodeDump(text.get(), document.get(), xmlDocGetRootElement(document.get()), 0, 0);
+  return reinterpret_cast<const char*>(xmlBufferContent(text.get()));
 }

@@ -4,10 +4,24 @@
 #include "standin/Ledger.h"
 #include "standin/Messages.h"
 
+#include <libxml/tree.h>
+
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
+
+// A directory of its own, whose path ends with a separator; gone with its last user.
+class Directory {
+ public:
+  Directory();
+  ~Directory();
+  Directory(const Directory&) = delete;
+  Directory& operator=(const Directory&) = delete;
+
+  std::string path;
+};
 
 // Keeps the traffic, each record as one line. Documents have to be well-formed for another parser.
 class Recorder : public standin::Observer {
@@ -39,7 +53,7 @@ Step Req(const std::string& name);
 // The plug-in under test, loaded once.
 const standin::Plugin& ThePlugin();
 
-// A driver on the bench with an image root of its own, initialized with id 7.
+// A driver on the bench, initialized with id 7. The image root is the process's; no picture is there at first.
 class Bench {
  public:
   Bench();
@@ -53,7 +67,7 @@ class Bench {
   // The content of the picture below the image root; nothing when there is none.
   std::optional<std::string> Picture() const;
 
-  const std::string root;
+  const std::string& root;
   Recorder recorder;
   standin::Host host;
 };
@@ -75,7 +89,6 @@ struct Message {
 };
 std::vector<Message> Messages(const std::string& text);
 
-std::string MakeDirectory();
 std::string ReadFile(const std::string& path);
 
 // The rows of a table in tests/, cut into columns at each tab. Blank lines and lines that begin
@@ -85,5 +98,9 @@ std::vector<std::vector<std::string>> ReadRows(const std::string& name);
 // The open descriptors and what they are open on.
 std::string Descriptors();
 
-// The canonical form of an XML text by a conforming parser; empty when it is not well-formed.
-std::string Canonical(const std::string& xml);
+// Parses with libxml2, which the stand-in does not use. Null when the text is not well-formed.
+using XmlDocument = std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)>;
+XmlDocument ParseXml(const std::string& xml);
+
+// The root element as that parser writes it.
+std::string RootText(const XmlDocument& document);
