@@ -160,15 +160,16 @@ def machine():
 
 PAGE = """# Performance
 
-What is whose: the driver takes a message apart, keeps its texts and calls the host; it compresses
-pictures. Delivering messages, building and printing XML, decoding base64 and sending are the host's
-work: on a controller the controller's, on the desk the stand-in's. So the driver is measured alone
-first, then the two together, as the bench runs them.
+Who does what: the driver takes a message apart, keeps its texts, calls the host and compresses
+pictures. The host delivers messages, builds and prints XML, decodes base64 and sends: the controller
+itself, or on the desk the stand-in. So the driver is measured alone first, then driver and stand-in
+together, as the bench runs them.
 
-Made by `benchmarks/run`, which installs what is missing, builds, fetches a package of photographs,
-measures and writes this page and the chart. Ratios are taken within one run on one machine, here
-{machine}. A time is the processor's, the middle one of 25, taken in turns with those
-that it is compared with; only where several processes work (D-Bus, the replay) it is the clock's.
+This page is made by `benchmarks/run`, which installs what is missing, builds, fetches a package of
+photographs, measures and writes this page and the chart. Ratios are taken within one run on one
+machine, here {machine}. Times are processor
+times, each the middle one of 25, measured in turns with those that it is compared with. Only where
+several processes work (D-Bus, the replay) it is the time by the clock.
 
 ![Times beside those of the driver, and of driver and stand-in](performance.svg)
 
@@ -180,8 +181,8 @@ The host's operations return at once, with a fixed text where they return text. 
 stands straight-line code: a plug-in that makes the same calls of the host and keeps the same texts,
 each message written out from its first call to its last and bound to its name by the same means. It
 sends the same traffic as the driver for a recorded evening, and makes as many calls for each message.
-Of the two messages of a name that take turns, one is an item that is not the last, or a change to
-Playing.
+For each name two messages take turns: for an item, one that is not the last and one that is; for the
+play status, a change to Playing and one to Paused.
 
 {messages}
 
@@ -193,7 +194,7 @@ ImageMagick read no RGB565.
 
 {photo}
 
-The same with noise, which no picture exceeds.
+The same with noise, which is harder to compress than any picture.
 
 {noise}
 
