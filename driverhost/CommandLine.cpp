@@ -27,6 +27,13 @@ constexpr char s_Statuses[] =
 command line, the session or a case is wrong; 130 interrupted. NO_COLOR in the
 environment turns colours off.)";
 
+constexpr char s_Examples[] = R"(Examples:
+  driverhost replay                     plays the demonstration
+  driverhost live -- mpd-player         plays along with what MPD plays
+  driverhost check cases/*.ndjson       checks the driver
+  driverhost replay --help              shows the options of replay
+)";
+
 constexpr char s_ReplayExamples[] = R"(Examples:
   driverhost replay                          plays the demonstration
   driverhost replay --json evening.ndjson    one JSON object a line
@@ -194,7 +201,7 @@ std::optional<CommandLine> ReadCommandLine(int argc, char** argv, int& status) {
   CLI::App app("The bench host for driver plug-ins", "driverhost");
   app.require_subcommand(1);
   app.set_version_flag("--version", "driverhost " MEDIAPROXY_VERSION);
-  app.footer("driverhost COMMAND --help shows more.");
+  app.footer(s_Examples);
   app.get_formatter()->column_width(s_OptionColumns);
   for (const Subcommand& subcommand : s_Subcommands) {
     CLI::App& command = *app.add_subcommand(subcommand.name, subcommand.help);

@@ -20,6 +20,18 @@ struct CommandLine {
   ArtOptions art;
 };
 
+constexpr char s_Examples[] =
+    R"(MPD_HOST, MPD_PORT and MPD_TIMEOUT are read as mpc does; without them it is
+localhost, port 6600, 10 seconds.
+
+Examples:
+  driverhost live -- mpd-player
+  driverhost live --http 8080 -- mpd-player --host kitchen --art-size 300
+)";
+
+// As wide as the widest option.
+constexpr std::size_t s_OptionColumns = 23;
+
 void Describe(CLI::App& app, CommandLine& line) {
   static const std::map<std::string, ArtFormat> formats = {
       {"jpeg", ArtFormat::Jpeg}, {"rgb565", ArtFormat::Rgb565}, {"rgb888", ArtFormat::Rgb888}};
@@ -33,16 +45,20 @@ void Describe(CLI::App& app, CommandLine& line) {
   constexpr int largest = 3000;
   constexpr int lastPort = 65535;
   app.set_version_flag("--version", "mpd-player " MPD_PLAYER_VERSION);
-  app.add_option("--host", line.host, "[PASSWORD@]HOST or a socket's path [$MPD_HOST, localhost]")
+  app.add_option("--host", line.host, "[PASSWORD@]HOST or a socket's path [$MPD_HOST]")
       ->type_name("HOST");
-  app.add_option("--port", line.port, "[$MPD_PORT, 6600]")
+  app.add_option("--port", line.port, "The port there, 1 to 65535 [$MPD_PORT]")
       ->type_name("PORT")
-      ->check(CLI::Range(1, lastPort));
-  app.add_option_function<std::string>("--art", readFormat, "jpeg, rgb565 or rgb888 [jpeg]")
+      ->check(CLI::Range(1, lastPort).description(""));
+  app.add_option_function<std::string>("--art", readFormat,
+                                       "How pictures go out: jpeg, rgb565 or rgb888 [jpeg]")
       ->type_name("FORMAT");
-  app.add_option("--art-size", line.art.longestSide, "A picture's longest side in pixels [600]")
+  app.add_option("--art-size", line.art.longestSide,
+                 "A picture's longest side, 1 to 3000 pixels [600]")
       ->type_name("N")
-      ->check(CLI::Range(1, largest));
+      ->check(CLI::Range(1, largest).description(""));
+  app.get_formatter()->column_width(s_OptionColumns);
+  app.footer(s_Examples);
 }
 
 // The options stand in for the variables, so that both are read in one way, which is mpc's.
