@@ -44,15 +44,15 @@ constexpr char s_LiveExamples[] =
     R"(After --: the player, a program that is the bound device, with its arguments.
 
 Examples:
-  driverhost live -- mpd-player
-  driverhost live --record evening.ndjson -- mpd-player --host kitchen
-  echo '{"command":"PAUSE"}' | driverhost live -- mpd-player
+  driverhost live -- mpd-player                      binds what MPD plays
+  driverhost live --record x.ndjson -- mpd-player    keeps it as a session
+  echo '{"command":"PAUSE"}' | driverhost live       takes lines from a person
 )";
 
 constexpr char s_CheckExamples[] = R"(Examples:
-  driverhost check cases/*.ndjson
-  driverhost check --driver new.so --coverage cases/*.ndjson
-  driverhost replay --case --driver a.so S | driverhost check --driver b.so -
+  driverhost check cases/*.ndjson                    checks the driver
+  driverhost check --coverage cases/*.ndjson         shows what they leave out
+  driverhost replay --case S | driverhost check --driver b.so -  compares two
 )";
 
 // The columns of the widest option. Descriptions begin after them; no line has more than 80.

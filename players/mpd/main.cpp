@@ -25,8 +25,8 @@ constexpr char s_Examples[] =
 localhost, port 6600, 10 seconds.
 
 Examples:
-  driverhost live -- mpd-player
-  driverhost live --http 8080 -- mpd-player --host kitchen --art-size 300
+  driverhost live -- mpd-player                    binds what MPD plays
+  driverhost live -- mpd-player --host kitchen     the one in the kitchen
 )";
 
 // As wide as the widest option.
