@@ -1,5 +1,7 @@
 #include "driverhost/Serving.h"
 
+#include "driverhost/Readiness.h"
+
 #include <unistd.h>
 
 #include <exception>
@@ -38,6 +40,14 @@ bool Serving::Until(std::chrono::steady_clock::time_point time) {
   // What has come is served even when the time is over.
   m_Loop.poll();
   if (!m_Ends) m_Loop.run_until(time);
+  return !m_Ends;
+}
+
+bool Serving::UntilReadable(int descriptor) {
+  Readiness readiness(m_Loop, descriptor);
+  m_Readable = false;
+  readiness.Wait([this] { m_Readable = true; });
+  while (!m_Readable && !m_Ends) m_Loop.run_one();
   return !m_Ends;
 }
 

@@ -31,6 +31,9 @@ class Serving : public TrafficSink {
   // Serves until that time. Returns false when the program has to end before.
   bool Until(std::chrono::steady_clock::time_point time);
 
+  // The same until the descriptor can be read from.
+  bool UntilReadable(int descriptor);
+
   void OnStep(unsigned long number, const Step& step) override;
 
  private:
@@ -38,6 +41,7 @@ class Serving : public TrafficSink {
   boost::asio::posix::stream_descriptor m_Interrupt;
   Page m_Page;
   unsigned long m_Step = 0;
+  bool m_Readable = false;
   bool m_Ends = false;
 };
 

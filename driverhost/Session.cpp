@@ -56,6 +56,7 @@ void Session::Rewind() {
 }
 
 bool Session::Fill() {
+  if (m_Wait && !m_Wait(fileno(m_File.get()))) return false;
   std::array<char, 65536> part;
   const ssize_t size = read(fileno(m_File.get()), part.data(), part.size());
   if (size < 0 && errno != EINTR) Fail(errno);

@@ -5,10 +5,12 @@
 #include "driverhost/Step.h"
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace driverhost {
 
@@ -28,6 +30,10 @@ class Session {
  public:
   // `path` is "-" for standard input. Throws SessionError.
   explicit Session(const std::string& path);
+
+  // From now on `wait` is called with the descriptor before each reading. When it returns false,
+  // nothing is read and NextLine returns nothing.
+  void WaitBeforeReading(std::function<bool(int)> wait) { m_Wait = std::move(wait); }
 
   // The next line, whatever it holds; nothing at the end, and when a signal interrupts the reading.
   // Valid until the next call. Throws SessionError.
@@ -62,6 +68,7 @@ class Session {
   FilePtr m_Copy;  // of what came from a pipe
   std::filesystem::path m_Folder;
   LineSplitter m_Splitter;
+  std::function<bool(int)> m_Wait;
   bool m_AtEnd = false;
 };
 

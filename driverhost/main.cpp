@@ -125,6 +125,7 @@ int RunReplay(const CommandLine& line, int interrupt) {
   std::optional<Serving> serving;
   if (bench.http) {
     serving.emplace(*bench.http, interrupt, bench.life, bench.traffic, bench.verdict);
+    session.WaitBeforeReading([&](int descriptor) { return serving->UntilReadable(descriptor); });
   }
   const auto wait = [&](Clock::time_point time) {
     return serving ? serving->Until(time) : SleepUntil(time);

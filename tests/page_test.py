@@ -59,12 +59,12 @@ def menu_or_list(kind, items, **header):
 
 
 class Program:
-    """driverhost live, fed by its player, if any, and through its standard input."""
+    """driverhost, fed by its player, if any, and through its standard input."""
 
-    def __init__(self, port=0, *player):
+    def __init__(self, port=0, *player, mode='live'):
         self.root = tempfile.TemporaryDirectory()
         self.process = subprocess.Popen(
-            [DRIVERHOST, 'live', '--json', '--http', str(port), '--image-root', self.root.name, *player],
+            [DRIVERHOST, mode, '--json', '--http', str(port), '--image-root', self.root.name, *player],
             stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         self.records = queue.Queue()
         self.told = []
@@ -249,6 +249,24 @@ class Http(Served):
         with contextlib.suppress(ConnectionResetError):
             while got:
                 got = deaf.recv(1 << 20)  # ends because the program has hung up
+
+
+class Replayed(unittest.TestCase):
+    def test_serves_before_during_and_after_the_session(self):
+        program = Program(0, '-', mode='replay')
+        asked = {'request': 'GET_PLAY_STATUS'}
+        for number, status in enumerate(('Playing', 'Paused'), 1):
+            self.assertEqual(program.ask('GET', '/')[0], 200)
+            program.say(notify('PLAY_STATUS_CHANGED', play_status=status))
+            until(status, lambda: [{'step': number, 'to': 'answer', **asked, 'xml': f'<play_status>{status}</play_status>'}]
+                  == json.loads(program.post(asked)[2]))
+        program.process.stdin.close()
+        self.assertEqual(program.post(asked)[0], 200)
+        self.assertEqual(program.stop(), 0)
+
+    def test_ends_early_by_the_signal(self):
+        program = Program(0, '-', mode='replay')
+        self.assertEqual(program.stop(), -15)
 
 
 class Page(Served):
