@@ -1,67 +1,236 @@
-#!/usr/bin/env python3
-"""live.py DRIVERHOST SESSION: what lies between a live player and the traffic on standard output."""
+#!/usr/bin/python3
+"""live.py DRIVERHOST MPD_PLAYER SESSION OUT: measures live players and the page, and writes to OUT, for each figure, what
+it is, the figure, its goal, and whether that is met."""
+import contextlib
+import json
 import os
+import pathlib
 import re
+import socket
 import statistics
 import subprocess
 import sys
 import tempfile
+import threading
 import time
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "tests"))
+from page_test import DRIVERHOST, MPD_PLAYER, Mpd, Page, Program, until  # takes the programs from the command line
 
 CHANGES = 1000
 ROUNDS = 5
 COPIES = 150
 MILLION = 1_000_000
+PLAIN = 60  # seconds
+FLOOD = 60_000  # records in a minute
 
-PLAYER = f"""
+# Lines that hold the time at which they were written, in nanoseconds since 1970.
+STEADY = """
 import time
-for each in range({CHANGES}):
-    time.sleep(0.005)
-    print('{{"notify":"CHANGE","params":{{"t":"%d"}}}}' % time.monotonic_ns(), flush=True)
+begin = time.time()
+for each in range({count}):
+    time.sleep(max(0, begin + (each + 1) * {pause} - time.time()))
+    print('{{"notify":"CHANGE","params":{{"t":"%d"}}}}' % time.time_ns(), flush=True)
+time.sleep(1000)
+"""
+
+rows = []
+
+
+def add(what, figure, goal="", met=None):
+    rows.append([what, figure, goal, {None: "", True: "yes", False: "**no**"}[met]])
+    print(*rows[-1], sep="  ", flush=True)
+
+
+def add_latency(what, took, median, worst=None):
+    middle, late = statistics.median(took), sorted(took)[len(took) * 99 // 100]
+    add(f"{what}, median", f"{middle:.3g} ms", f"≤ {median} ms", middle <= median)
+    add(f"{what}, 99 of 100 within", f"{late:.3g} ms", *([f"≤ {worst} ms", late <= worst] if worst else []))
+
+
+def steady(count, pause):
+    return "python3", "-c", STEADY.format(count=count, pause=pause)
+
+
+def run(*command):
+    """The summary's messages a second, and the peak of the resident memory in kB."""
+    with subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE) as process:
+        summary = process.stderr.read().decode()
+        peak = os.wait4(process.pid, 0)[2].ru_maxrss
+    return float(re.search(r"(\d+) messages/s", summary)[1]), peak
+
+
+def lines_of_a_player():
+    command = [DRIVERHOST, "live", "--json", "--", *steady(CHANGES, 0.005)]
+    with subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL) as process:
+        took = []
+        while len(took) < CHANGES:
+            change = re.search(rb"<CHANGE><t>(\d+)", process.stdout.readline())
+            if change:
+                took.append((time.time_ns() - int(change[1])) / 1e6)
+        process.terminate()
+    add_latency("a player's line to its traffic", took, 5, 20)
+
+
+class Tap:
+    """A socket before MPD's; knows when MPD's last answer to `idle` passed."""
+
+    def __init__(self, mpd, path):
+        self.mpd, self.path, self.changed = str(mpd), str(path), 0
+        self.server = socket.socket(socket.AF_UNIX)
+        self.server.bind(self.path)
+        self.server.listen()
+        threading.Thread(target=self.accept, daemon=True).start()
+
+    def accept(self):
+        while True:
+            client, peer = self.server.accept()[0], socket.socket(socket.AF_UNIX)
+            peer.connect(self.mpd)
+            for source, sink in ((client, peer), (peer, client)):
+                threading.Thread(target=self.pump, args=(source, sink), daemon=True).start()
+
+    def pump(self, source, sink):
+        with contextlib.suppress(OSError):  # both ends go at the end
+            while data := source.recv(65536):
+                if b"changed: " in data:
+                    self.changed = time.monotonic_ns()
+                sink.sendall(data)
+
+
+def changes_of_mpd(mpd, folder):
+    tap = Tap(mpd.host, folder / "tap")
+    control = socket.socket(socket.AF_UNIX)
+    control.connect(str(mpd.host))
+    replies = control.makefile("rb")
+    replies.readline()
+    command = [DRIVERHOST, "live", "--json", "--", MPD_PLAYER, "--host", tap.path]
+    with subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL) as process:
+        while b"<NEW_COVER_ART" not in process.stdout.readline():
+            pass
+        took = []
+        for each in range(CHANGES):
+            control.sendall(b"random %d\n" % ((each + 1) % 2))
+            replies.readline()
+            while b"<SHUFFLE_CHANGED" not in process.stdout.readline():
+                pass
+            took.append((time.monotonic_ns() - tap.changed) / 1e6)
+        process.terminate()
+    add_latency("MPD's answer to `idle` to the traffic", took, 5, 20)
+
+
+def processor_time(pid):
+    """Nanoseconds."""
+    return sum(int(file.read_text().split()[0]) for file in pathlib.Path(f"/proc/{pid}/task").glob("*/schedstat"))
+
+
+def plain_playing(mpd):
+    mpd.mpc("random", "off")
+    mpd.mpc("play")
+    command = [DRIVERHOST, "live", "--quiet", "--", MPD_PLAYER, "--host", mpd.host]
+    with subprocess.Popen(command, stdin=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as process:
+        player = until("the player", lambda: pathlib.Path(f"/proc/{process.pid}/task/{process.pid}/children").read_text().split())
+        programs = {"driverhost": process.pid, "mpd-player": player[0], "mpd": mpd.process.pid}
+        time.sleep(2)
+        before = {name: processor_time(pid) for name, pid in programs.items()}
+        time.sleep(PLAIN)
+        shares = {name: (processor_time(pid) - before[name]) / PLAIN / 1e7 for name, pid in programs.items()}
+        process.terminate()
+    ours = shares["driverhost"] + shares["mpd-player"]
+    add("a minute of plain playing, of a core: driverhost and mpd-player", f"{ours:.3f} %", "< 0.2 %", ours < 0.2)
+    for name, share in shares.items():
+        add(f"of it {name}" if name != "mpd" else "beside it mpd", f"{share:.3f} %")
+
+
+def throughput(session, folder):
+    with open(session) as file:
+        lines = [line for line in file if line.strip() and not line.startswith("#")]
+    path, options = f"{folder}/session.ndjson", ("--image-root", folder)
+    with open(path, "w") as copies:
+        copies.writelines(lines * COPIES)
+    pairs = [(run(DRIVERHOST, "replay", "--json", *options, path)[0],
+              run(DRIVERHOST, "live", "--json", *options, "--", "cat", path)[0]) for _ in range(ROUNDS)]
+    ratio = statistics.median(live / replay for replay, live in pairs)
+    add("messages a second of a player that writes as fast as it can", f"{statistics.median(live for _, live in pairs):,.0f}")
+    add("the same, beside `replay` from a file", f"{ratio:.2f}", "≥ 0.8", ratio >= 0.8)
+    for messages in (MILLION // 10, MILLION):
+        times = messages // (len(lines) * COPIES) + 1
+        loop = f"i=0; while [ $i -lt {times} ]; do cat {path}; i=$((i+1)); done"
+        peak = run(DRIVERHOST, "live", "--quiet", *options, "--", "sh", "-c", loop)[1]
+        add(f"resident memory after {times * len(lines) * COPIES:,} messages, at its peak", f"{peak / 1000:.1f} MB")
+
+
+# What the page's own script shows of a record, and how long nothing else could run meanwhile.
+WATCH = """
+window.took = []; window.heard = 0; window.longest = 0;
+new MutationObserver(() => {
+  for (const row of document.querySelectorAll('#rows .row')) {
+    const written = row.textContent.match(/<t>(\\d+)/);
+    if (!written || row.measured === written[1]) continue;
+    row.measured = written[1];
+    window.took.push(Date.now() - written[1] / 1e6);
+  }
+}).observe(document.querySelector('#rows'), {childList: true, subtree: true, characterData: true});
+let last = performance.now();
+setInterval(() => {
+  const now = performance.now();
+  window.longest = Math.max(window.longest, now - last);
+  last = now;
+}, 10);
+"""
+COUNT = """
+const Source = window.EventSource;
+window.records = 0; window.sources = 0;
+window.EventSource = class extends Source {
+  constructor(...args) {
+    super(...args);
+    ++window.sources;
+    this.addEventListener('message', event => { if (event.data.includes('<CHANGE>')) ++window.records; });
+  }
+};
 """
 
 
-def run(command, out=subprocess.DEVNULL):
-    """The summary's messages a second, and the peak of the resident memory in kB."""
-    with subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=out, stderr=subprocess.PIPE) as process:
-        summary = process.stderr.read().decode()
-        peak = os.wait4(process.pid, 0)[2].ru_maxrss
-    return float(re.search(r'(\d+) messages/s', summary)[1]), peak
+def on_the_page(count, pause):
+    """The browser's figures after so many records, a pause of seconds between them."""
+    program = Program(0, "--", "sh", "-c", 'read -r go && exec "$@"', "sh", *steady(count, pause))
+    Page.browser.get(program.url)
+    until("the page", lambda: Page.browser.execute_script("return document.querySelector('#rows') !== null && window.sources > 0"))
+    Page.browser.execute_script(WATCH)
+    program.say({"bind": 5001}, {"command": "GO"})
+    wanted = count * pause + 60
+    end = time.monotonic() + wanted
+    while Page.browser.execute_script("return window.records") < count and time.monotonic() < end:
+        time.sleep(1)
+    figures = Page.browser.execute_script("return [window.took, window.records, window.sources, window.longest]")
+    program.stop()
+    return figures
 
 
-def latencies(driverhost):
-    """Milliseconds from a player's line to the traffic line that it causes, in order of size."""
-    command = [driverhost, 'live', '--json', '--', 'python3', '-c', PLAYER]
-    took = []
-    with subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL) as process:
-        for line in process.stdout:
-            change = re.search(rb'<CHANGE><t>(\d+)', line)
-            if change:
-                took.append((time.monotonic_ns() - int(change[1])) / 1e6)
-    assert len(took) == CHANGES
-    return sorted(took)
+def page():
+    Page.setUpClass()
+    try:
+        Page.browser.execute_cdp_cmd("Page.addScriptToEvaluateOnNewDocument", {"source": COUNT})
+        add_latency("a player's line to its row on the page", on_the_page(500, 0.05)[0], 50)
+        _, records, sources, longest = on_the_page(FLOOD, 60 / FLOOD)
+        add("records that the page gets, of 60,000 in a minute", f"{records:,}", "all", records == FLOOD and sources == 1)
+        add("the longest time that the page does nothing else meanwhile", f"{longest:.0f} ms")
+    finally:
+        Page.tearDownClass()
 
 
 def main():
-    driverhost, session = sys.argv[1:]
-    took = latencies(driverhost)
-    print(f'line to line: median {statistics.median(took):.3f} ms, 99 % within {took[CHANGES * 99 // 100]:.3f} ms')
-    with tempfile.TemporaryDirectory(dir='/dev/shm') as folder, open(session) as file:
-        lines = [line for line in file if line.strip() and not line.startswith('#')]
-        path = folder + '/session.ndjson'
-        with open(path, 'w') as copies:
-            copies.writelines(lines * COPIES)
-        options = ['--json', '--image-root', folder]
-        pairs = [(run([driverhost, 'replay', *options, path])[0], run([driverhost, 'live', *options, '--', 'cat', path])[0])
-                 for _ in range(ROUNDS)]
-        replay, live = (statistics.median(rates) for rates in zip(*pairs))
-        print(f'messages a second: replay {replay:.0f}, live {live:.0f}, live/replay '
-              f'{statistics.median(b / a for a, b in pairs):.2f}')
-        for messages in (MILLION // 10, MILLION):
-            times = messages // (len(lines) * COPIES) + 1
-            loop = f'i=0; while [ $i -lt {times} ]; do cat {path}; i=$((i+1)); done'
-            peak = run([driverhost, 'live', '--quiet', '--image-root', folder, '--', 'sh', '-c', loop])[1]
-            print(f'resident memory after {times * len(lines) * COPIES} messages: {peak} kB at its peak')
+    session, out = sys.argv[1:]
+    with tempfile.TemporaryDirectory(dir="/dev/shm") as folder:
+        lines_of_a_player()
+        throughput(session, folder)
+        mpd = Mpd(pathlib.Path(folder))
+        try:
+            changes_of_mpd(mpd, pathlib.Path(folder))
+            plain_playing(mpd)
+        finally:
+            mpd.stop()
+    page()
+    pathlib.Path(out).write_text(json.dumps(rows))
 
 
 main()

@@ -152,6 +152,11 @@ def life(run):
     return table
 
 
+def live(folder):
+    lines = ["| what | | goal | |", "| --- | ---: | ---: | --- |"]
+    return lines + ["| " + " | ".join(row) + " |" for row in json.loads((folder / "live.rows").read_text())]
+
+
 def machine():
     info = pathlib.Path("/proc/cpuinfo").read_text().splitlines()
     models = [line.split(":", 1)[1].strip() for line in info if line.startswith("model name")]
@@ -235,6 +240,14 @@ and is timed as a whole process.
 
 {life}
 
+### Live players, and the page
+
+A line is written by a player, delivered, and its traffic read from standard output. For MPD the time
+begins when its answer to `idle` passes a socket between it and `mpd-player`; each change is one of its
+shuffle mode. The page is in headless Chromium, on the same machine; its figures are the browser's own.
+
+{live}
+
 ## Watching it
 
 `benchmarks/instructions` counts instructions, which is repeatable where times are not. It fails when
@@ -245,12 +258,14 @@ the heap's peak; [controllers.md](controllers.md) has these figures.
 
 
 def main():
-    run = Run(pathlib.Path(sys.argv[1]))
+    results = pathlib.Path(sys.argv[1])
+    run = Run(results)
     tables = {"notifications": notifications(run), "lists": lists(run),
               "photo": covers(run, "photo"), "noise": covers(run, "noise"),
               "coverarts": coverarts(run, "photo"), "noisearts": coverarts(run, "noise"),
               "life": life(run)}
     page = PAGE.format(machine=machine(), messages="\n".join(messages(run)),
+                       live="\n".join(live(results)),
                        **{name: "\n".join(table.lines) for name, table in tables.items()})
     (DOCS / "performance.md").write_text(page)
     groups = [("the driver: a list item, in a host that does nothing", "message/ADD_LIST_ITEM"),
