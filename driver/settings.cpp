@@ -18,18 +18,20 @@ void media::CurrentSettingsToUI() {
   for (const Capability& capability : s_Capabilities) {
     settings->AddNamedValue(capability.name, this->*capability.flag);
   }
-  AddValues(*settings, {{"online", m_OnlineStatus},
-                        {"play_status", m_PlayStatus},
-                        {"shuffle_mode", m_ShuffleMode},
-                        {"repeat_mode", m_RepeatMode}});
-  AddValues(*XmlHelper::AddChild(*settings, "MEDIA_INFO_CHANGED", ""),
-            {{"media_info_1", m_MediaInfo.m_Line1},
-             {"media_info_2", m_MediaInfo.m_Line2},
-             {"media_info_3", m_MediaInfo.m_Line3}});
-  AddValues(*XmlHelper::AddChild(*settings, "PLAY_TIME_CHANGED", ""),
-            {{"elapsed", m_Elapsed}, {"remaining", m_Remaining}});
-  AddValues(*XmlHelper::AddChild(*settings, "QUEUE_PROGRESS_CHANGED", ""),
-            {{"current_song", m_CurrentSong}, {"total_songs", m_TotalSongs}});
+  settings->AddNamedValue("online", m_OnlineStatus);
+  settings->AddNamedValue("play_status", m_PlayStatus);
+  settings->AddNamedValue("shuffle_mode", m_ShuffleMode);
+  settings->AddNamedValue("repeat_mode", m_RepeatMode);
+  auto* info = XmlHelper::AddChild(*settings, "MEDIA_INFO_CHANGED", "");
+  info->AddNamedValue("media_info_1", m_MediaInfo.m_Line1);
+  info->AddNamedValue("media_info_2", m_MediaInfo.m_Line2);
+  info->AddNamedValue("media_info_3", m_MediaInfo.m_Line3);
+  auto* time = XmlHelper::AddChild(*settings, "PLAY_TIME_CHANGED", "");
+  time->AddNamedValue("elapsed", m_Elapsed);
+  time->AddNamedValue("remaining", m_Remaining);
+  auto* queue = XmlHelper::AddChild(*settings, "QUEUE_PROGRESS_CHANGED", "");
+  queue->AddNamedValue("current_song", m_CurrentSong);
+  queue->AddNamedValue("total_songs", m_TotalSongs);
   settings->AddNamedValue(s_ShuffleModesCapStr, m_ShuffleModes.GetModesList());
   settings->AddNamedValue(s_RepeatModesCapStr, m_RepeatModes.GetModesList());
   settings->AddNamedValue(s_MediaLabelsCapStr, m_MediaLabels.GetModesList());
