@@ -65,10 +65,15 @@ struct Ended {
   Json covered;
 };
 
-// A process that crashed has said in which step; here follows which case that was.
-int StatusOf(const std::string& path, int waited) {
-  if (WIFEXITED(waited)) return WEXITSTATUS(waited);
-  std::fprintf(stderr, "%s: ended by SIG%s\n", path.c_str(), sigabbrev_np(WTERMSIG(waited)));
+// A process that ended early has said why and in which step; here follows which case that was.
+int StatusOf(const std::string& path, int waited, bool early) {
+  if (!WIFEXITED(waited)) {
+    std::fprintf(stderr, "%s: ended by SIG%s\n", path.c_str(), sigabbrev_np(WTERMSIG(waited)));
+    return s_Failed;
+  }
+  const int status = WEXITSTATUS(waited);
+  if (!early || status == s_Wrong) return status;
+  std::fprintf(stderr, "%s: not played to its end\n", path.c_str());
   return s_Failed;
 }
 
@@ -88,7 +93,7 @@ Ended InOwnProcess(const CheckOptions& options, const std::string& path) {
   int waited = 0;
   while (waitpid(child, &waited, 0) < 0 && errno == EINTR) {
   }
-  ended.status = StatusOf(path, waited);
+  ended.status = StatusOf(path, waited, ended.covered.is_discarded());
   std::error_code ignored;
   std::filesystem::remove_all(imageRoot.Path(), ignored);
   return ended;

@@ -3,6 +3,8 @@
 #include "host/TqBaseProxyDriver.h"
 #include "host/TqXML.h"
 
+#include <unistd.h>
+
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
@@ -29,6 +31,7 @@ class Misbehaving : public TqBaseProxyDriver {
         {"DEREFERENCE", [] { *reinterpret_cast<volatile int*>(s_NoAddress) = 0; }},
         {"ABORT", [] { std::abort(); }},
         {"EXIT", [] { std::exit(0); }},
+        {"LEAVE", [] { _exit(0); }},
         {"LOOP",
          [] {
            for (volatile bool on = true; on;) {
