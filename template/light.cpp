@@ -26,6 +26,7 @@ class Light final : public TqBaseProxyDriver {
   explicit Light(IInstanceManager& im)
       : TqBaseProxyDriver(im, s_LightBinding, DriverMultiplicity::One) {
     Light::RegisterNotifications();
+    Light::RegisterCommands();
   }
 
   // What the host throws here is dropped: nobody could catch it.
@@ -46,7 +47,12 @@ class Light final : public TqBaseProxyDriver {
     m_NtfDispatcher.RegisterNtf("LIGHT_LEVEL_CHANGED",
                                 [this](const IBindMessage& msg) { OnNtfLevelChanged(msg); });
   }
-  void RegisterCommands() override {}
+  void RegisterCommands() override {
+    m_CmdDispatcher.RegisterCmd("TOGGLE", [this](const ICmdMessage&, ICmdReturn*) { Toggle(); });
+    m_UICmdDispatcher.RegisterUICmd("GET_LIGHT_LEVEL", [this](const ICmdMessage&) {
+      return TqXML::CreateXmlNode("level", tq::ToString(m_Level));
+    });
+  }
   void RegisterConditionals() override {}
   void RegisterVariables() override {
     VmAdd(s_LevelVariable, "LIGHT_LEVEL", TqTypes::VariableType::Text, tq::ToString(m_Level), 0, 0,
@@ -69,6 +75,15 @@ class Light final : public TqBaseProxyDriver {
       document->AddNamedValue("level", tq::ToString(m_Level));
       ConSendDataToUI(*document);
     }
+  }
+
+  // Only asks the light: what comes of it, the light reports.
+  void Toggle() {
+    const auto command = CreateCommandMessageFromName("SET_LEVEL");
+    if (!command) return;
+    command->AddParamNumber("LEVEL", "INTEGER", m_Level == 0 ? 100 : 0);
+    const tq::auto_com<IBindMessage> message(CreateBindMessage(*command));
+    if (message) SendBoundCall(s_LightBinding, *message, nullptr);
   }
 
   unsigned long m_Level = 0;
