@@ -13,6 +13,7 @@
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
+#include <memory>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -146,6 +147,9 @@ void DescribeReplay(CLI::App& app, CommandLine& line) {
 }
 
 void DescribeLive(CLI::App& app, CommandLine& line) {
+  const auto formatter = std::make_shared<CLI::Formatter>();
+  formatter->label("OPTIONS", "OPTIONS] [-- PLAYER ARG...");
+  app.formatter(formatter);
   DescribeCommon(app, line, s_LiveExamples);
   DescribeLife(app, line);
   AddText(app, "--record", line.record, "FILE", "Write the lines with their times, for replay");
