@@ -305,7 +305,7 @@ class Page(Served):
         until(lambda: f'{css}: {texts}, but {self.texts(css)}', lambda: self.texts(css) == list(texts))
 
     def click(self, css, number=0):
-        until(css, lambda: len(self.find(css)) > number)
+        until(css, lambda: [each.is_displayed() for each in self.find(css)[number:number + 1]] == [True])
         self.find(css)[number].click()
 
     def click_text(self, text):
