@@ -24,7 +24,8 @@ class Probe final : public TqBaseProxyDriver {
     const std::pair<const char*, Handler> rows[] = {{"FOREIGN", &Probe::SendForeign},
                                                     {"ROUND \"TRIP\"\t\n<&>", &Probe::SendForeign},
                                                     {"ROUND \"TRIP\"\t\n<&>", &Probe::SendBack},
-                                                    {"CAPABILITY", &Probe::SendCapability}};
+                                                    {"CAPABILITY", &Probe::SendCapability},
+                                                    {"TWO CALLS", &Probe::SendTwoCalls}};
     for (const auto& row : rows) {
       m_CmdDispatcher.RegisterCmd(row.first, [this, handler = row.second](const ICmdMessage& command, ICmdReturn*) {
         (this->*handler)(command);
@@ -44,6 +45,11 @@ class Probe final : public TqBaseProxyDriver {
     std::string value = "none";
     ExtractCapability("x", value);
     SendDataToUISimple("x", value);
+  }
+
+  void SendTwoCalls(const ICmdMessage& command) {
+    const tq::auto_com<IBindMessage> bound(CreateBindMessage(command));
+    for (const unsigned long binding : {5002UL, 5001UL}) SendBoundCall(binding, *bound, nullptr);
   }
 
   void RegisterCommands() override {}
