@@ -370,6 +370,12 @@ class Page(Served):
         self.shows('#notice', 'SEARCH sent to the player')
         self.click('#seek')  # in its middle
         self.assertAlmostEqual(int(self.program.device()[1]['POSITION']), 500, delta=20)
+        for key, position in ((Keys.ARROW_LEFT, '0'), (Keys.ARROW_RIGHT, '8')):
+            self.program.say(notify('PLAY_TIME_CHANGED', elapsed='0:03', remaining='0:05'))
+            self.shows('.time span', '0:03', '-0:05')
+            script('document.activeElement.blur()')
+            self.press(key)
+            self.assertEqual(self.program.device(), ('SEEK', {'POSITION': position}))
         self.program.say(notify('PLAY_STATUS_CHANGED', play_status='Playing'))
         self.click('[data-command=PAUSE]')
         self.assertEqual(self.program.device(), ('PAUSE', {}))
