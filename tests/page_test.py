@@ -379,6 +379,9 @@ class Page(Served):
         self.program.say(notify('PLAY_STATUS_CHANGED', play_status='Playing'))
         self.click('[data-command=PAUSE]')
         self.assertEqual(self.program.device(), ('PAUSE', {}))
+        script('document.activeElement.blur()')
+        self.press(' ')
+        self.assertEqual(self.program.device(), ('PAUSE', {}))
 
     def test_only_what_the_player_can_do(self):
         self.open()
