@@ -19,8 +19,9 @@ class HOST_API IBindMessage {
   // message.
   virtual const std::string& GetCommand() const = 0;
 
-  // The named parameter's text. How the two differ, and what they return for a parameter that the
-  // message lacks, is up to the host; in the stand-in both do the same, and return empty text then.
+  // The named parameter's text. The host decides how the two operations differ, and what they
+  // return for a parameter that the message lacks; in the stand-in both do the same, and return
+  // empty text then.
   virtual std::string GetParamText(const std::string& name) const = 0;
   virtual std::string GetParamValue(const std::string& name) const = 0;
 

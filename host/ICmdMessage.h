@@ -28,7 +28,7 @@ class HOST_API ICmdMessage {
   virtual bool HasParam(const std::string& name) const = 0;
 
   // The parameter as a number. The stand-in reads decimal digits, as strtoul does, up to the first
-  // other character; 0 where there are none or no such parameter.
+  // other character; 0 when there is no digit or no such parameter.
   virtual unsigned long GetParamNumber(const std::string& name) const = 0;
 
  protected:

@@ -15,19 +15,19 @@
 // The interface through which the host drives a driver. The order of the operations is part of the
 // binary interface. The host makes its calls into one driver one at a time. What it passes is
 // borrowed for the call. A returned holder passes its reference to the host, and may be empty; a
-// returned reference or pointer stays the driver's. What a host operation throws inside a call
-// comes out of that call. Where nothing else is said, the stand-in's base class does nothing and
-// answers with nothing.
+// returned reference or pointer stays the driver's. An exception of a host operation inside a call
+// comes out of that call. Unless a comment says otherwise, the stand-in's base class does nothing
+// and answers with nothing.
 class HOST_API IDriver : public ITqObject {
  public:
   // The value that the driver gave its base class.
   virtual DriverMultiplicity GetMultiplicity() = 0;
 
   // Called once, after creation and before any message. `state` is what GetPersistState returned
-  // earlier, or null. Returns what the base class does; in the stand-in 0, or 1 when called again.
+  // earlier, or null. Returns the base class's result; in the stand-in 0, or 1 when called again.
   virtual long Initialize(unsigned long id, TqXML::INode& config, TqXML::INode* state) = 0;
 
-  // The driver has joined a project, is about to be destroyed, has been taken out of the project.
+  // The driver has joined a project; is about to be destroyed; has left the project.
   virtual void OnDriverAdded() = 0;
   virtual void OnDestroy() = 0;
   virtual void RemovedFromProject() = 0;
@@ -65,8 +65,8 @@ class HOST_API IDriver : public ITqObject {
   virtual tq::auto_com<TqXML::INode> GetIdentifyStrings() = 0;
   virtual const std::string& GetModel() = 0;
 
-  // Audio and video paths between a source and a sink: made, made again, broken; what to know of a
-  // location; whether a path is possible. The types are the host's.
+  // An audio or video path between a source and a sink has been made, made again, broken; what
+  // there is to know of a location; whether a path is possible. The types are the host's.
   virtual void OnAVSelected(const AVParams& params, const AV_Class& source, const AV_Class& sink,
                             const AVLocationInfo& location, const AVDriverLocationInfo* driverInfo,
                             AVReturn& ret) = 0;

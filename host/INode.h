@@ -11,8 +11,8 @@ namespace TqXML {
 // the binary interface.
 class HOST_API INode {
  public:
-  // Only auto_com calls this and Release. Both return the number of references afterwards; with the
-  // last one the element goes, and its children with it.
+  // Only auto_com calls this and Release. Both return the number of references afterwards; the
+  // Release of the last one destroys the element and its children.
   virtual unsigned long AddRef() = 0;
 
   // Add a named value after all that was added so far. `value` may not be null. The stand-in writes

@@ -22,7 +22,7 @@
 
 // The base of all drivers. The order of the bases and of the operations is part of the binary
 // interface: the host calls by slot number through eight tables. Each operation stands once in the
-// primary table, and again in the table of every interface that declares it; that interface says
+// primary table, and again in the table of every interface that declares it, where a comment says
 // what it does.
 class HOST_API TqBaseDriver : public IBoundDriver,
                               public IConnectionSink,

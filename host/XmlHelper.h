@@ -3,7 +3,7 @@
 #include "host/HostApi.h"
 #include "host/INode.h"
 
-// Does with an element what its interface has no operation for.
+// An operation on elements that INode lacks.
 class HOST_API XmlHelper {
  public:
   // Adds a child element after all that was added so far, and returns it. It belongs to `parent`
