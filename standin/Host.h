@@ -50,8 +50,8 @@ class HOST_API Host {
   // Makes a user-interface request.
   void Request(const ICmdMessage& request);
 
-  // Makes a binding to a device, and breaks it. When the binding is the one to the driver's bound
-  // device, ExtractCapability answers from `capabilities` from now on.
+  // Make and break a binding to a device. When it is the binding to the driver's bound device,
+  // ExtractCapability answers from `capabilities` from now on.
   void Bind(unsigned long bindingId, const std::string& className,
             std::map<std::string, std::string> capabilities);
   void Unbind(unsigned long bindingId, const std::string& className);

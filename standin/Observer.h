@@ -10,8 +10,8 @@ namespace standin {
 
 // Hears what a driver does, in the order in which it happens, from inside the call that causes it.
 // Everything is borrowed for the call. What an observer throws goes through the driver and comes
-// out of the host's operation. There is one exception: the driver's destructor removes its
-// variables, and has to catch what OnVariable throws then.
+// out of the host's operation. Only the driver's destructor, which removes its variables, has to
+// catch what OnVariable throws.
 class HOST_API Observer {
  public:
   enum class Change { Added, Changed, Removed };
