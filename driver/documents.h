@@ -11,7 +11,7 @@ struct NamedValue {
   const std::string& value;
 };
 
-// Inline, so that compilers make the calls one by one, without a list in memory.
+// Inline, so that compilers write out the calls, without a list in memory.
 inline void AddValues(TqXML::INode& node, std::initializer_list<NamedValue> values) {
   for (const NamedValue& value : values) node.AddNamedValue(value.name, value.value);
 }

@@ -11,8 +11,8 @@ struct FileCloser {
 };
 using FilePtr = std::unique_ptr<std::FILE, FileCloser>;
 
-// Creates or empties the file. Null when that fails, and for a named pipe: to open one waits for a
-// reader, and to write to one whose reader is gone raises a signal that ends the process.
+// Creates or empties the file. Null when that fails, and for a named pipe: opening one waits for a
+// reader, and writing to one whose reader is gone raises a signal that ends the process.
 FilePtr CreateFile(const std::string& path);
 
 // libjpeg's JPEG_MAX_DIMENSION.

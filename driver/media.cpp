@@ -24,7 +24,7 @@ const std::string media::s_HasMenuCapStr = "has_menu";
 const std::string media::s_HasSearchCapStr = "has_search";
 const std::string media::s_HasBrowseCapStr = "has_browse";
 
-// For who finds the file on a controller: strings media.so.
+// Tells the version of a file on a controller: strings media.so.
 [[gnu::used]] static const char s_Version[] = "mediaproxy " MEDIAPROXY_VERSION;
 
 CreationFunc GetCreationFunc() { return &media::Create; }
@@ -35,14 +35,14 @@ media::media(IInstanceManager& im)
     : TqBaseProxyDriver(im, s_ProxyBindingId, DriverMultiplicity::One) {
   m_MediaInfo.Clear();
   m_ListNode = TqXML::CreateXmlNode();
-  // These are virtual: the qualified names say that this class's own are meant.
+  // These are virtual: the qualified names call this class's own.
   media::RegisterNotifications();
   media::RegisterCommands();
   RegisterRequests();
   media::RegisterConditionals();
 }
 
-// An exception that leaves a destructor ends the process: what the host throws is dropped.
+// An exception that leaves a destructor ends the process, so what the host throws is dropped.
 media::~media() {
   try {
     media::UnregisterVariables();

@@ -4,7 +4,7 @@
 
 // Compilers make vector code of the loops below only for processors that can shuffle bytes. Not
 // every x86-64 and not every 32-bit ARM can: there each loop is compiled once for each kind of
-// processor, for ARM by hand, and the loader picks one.
+// processor (for ARM we write out the copies), and the loader picks one.
 #if defined(__x86_64__) && defined(__GLIBC__)
 #define COPY_PER_PROCESSOR __attribute__((target_clones("avx2", "ssse3", "default")))
 #elif defined(__ARM_PCS_VFP) && !defined(__ARM_NEON) && defined(__GLIBC__) && !defined(__clang__)
