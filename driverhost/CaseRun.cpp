@@ -88,7 +88,7 @@ void CaseRun::Compare(std::size_t place, const std::vector<std::string_view>& ex
                  '\n' + differences);
 }
 
-// Throws SessionError for the first record after the line that is no valid one.
+// Throws SessionError for the first invalid record after the line.
 void CaseRun::CheckRecords(std::size_t place) const {
   while (++place < m_Lines.size() && m_Lines[place].kind != LineKind::Step) {
     const Line& line = m_Lines[place];

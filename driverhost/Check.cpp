@@ -65,7 +65,7 @@ struct Ended {
   Json covered;
 };
 
-// A process that ended early has said why and in which step; here follows which case that was.
+// A process that ended early has said why and in which step; this adds in which case.
 int StatusOf(const std::string& path, int waited, bool early) {
   if (!WIFEXITED(waited)) {
     std::fprintf(stderr, "%s: ended by SIG%s\n", path.c_str(), sigabbrev_np(WTERMSIG(waited)));

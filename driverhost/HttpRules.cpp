@@ -139,8 +139,8 @@ HttpAnswer HttpRules::Get(std::string_view target) const {
   return decoded ? Picture(*decoded) : NotFound();
 }
 
-// Where a path leads to is known once its links are followed. The file is read at one go, between
-// two calls into the driver, which may write it again in the next.
+// The links in a path are followed first, to know where it leads. The file is read whole between
+// two calls into the driver, which may write it again in the next call.
 HttpAnswer HttpRules::Picture(const std::string& path) const {
   try {
     const fs::path root = fs::canonical(m_ImageRoot);

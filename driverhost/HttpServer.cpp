@@ -18,8 +18,8 @@ namespace asio = boost::asio;
 using asio::ip::tcp;
 
 constexpr std::size_t s_MostClients = 64;
-// Up to this number clients get an answer that there are too many; connections beyond are closed
-// without one.
+// Up to this number, a client beyond s_MostClients gets an answer that says so; any more
+// connections are closed without one.
 constexpr std::size_t s_MostConnections = 2 * s_MostClients;
 
 tcp::acceptor Listen(asio::io_context& loop, const tcp::endpoint& address) {

@@ -21,7 +21,7 @@ struct HttpOptions {
   std::string imageRoot;
 };
 
-// Reads "[ADDRESS:]PORT"; 127.0.0.1 stands for no address. Throws std::runtime_error, whose text
+// Reads "[ADDRESS:]PORT"; without an address it is 127.0.0.1. Throws std::runtime_error, whose text
 // says what is wrong.
 boost::asio::ip::tcp::endpoint ReadEndpoint(const std::string& text);
 

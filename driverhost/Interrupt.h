@@ -3,8 +3,8 @@
 namespace driverhost {
 
 // From now on SIGINT and SIGTERM ask the program to stop, and a blocked read ends with EINTR. The
-// second one ends the program at once. Returns a descriptor that becomes readable when one has
-// come.
+// second signal ends the program at once. Returns a descriptor that becomes readable when a signal
+// has come.
 int CatchInterrupts();
 
 // The signal that has come; 0 if none has.

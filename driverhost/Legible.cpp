@@ -34,7 +34,7 @@ std::string Escape(std::string_view bytes) {
   return escape;
 }
 
-// Of a character that is valid UTF-8 and no control.
+// Requires: the character is valid UTF-8 and no control.
 std::size_t Columns(std::string_view character) {
   if (character.size() == 1) return 1;
   std::mbstate_t state{};

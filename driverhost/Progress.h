@@ -6,7 +6,7 @@
 
 namespace driverhost {
 
-// Shows on standard error, a terminal, how far quiet work that takes long has come.
+// Shows on standard error, a terminal, how far a long quiet run has come.
 class Progress : public TrafficSink {
  public:
   ~Progress() override;

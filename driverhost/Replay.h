@@ -52,7 +52,7 @@ class Replay {
   const std::function<void(std::string_view)> m_Comment;
   std::chrono::steady_clock::time_point m_RoundBegan;
   unsigned long m_Lines = 0;
-  unsigned long m_Before = 0;  // of them in the rounds before this one
+  unsigned long m_Before = 0;  // the lines of the rounds before this one
 };
 
 }  // namespace driverhost

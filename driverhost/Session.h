@@ -14,7 +14,7 @@
 
 namespace driverhost {
 
-// A wrong line; the text begins with "FILE:LINE: ". Or a session that cannot be read.
+// A wrong line, with a text that begins with "FILE:LINE: ", or a session that cannot be read.
 class SessionError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

@@ -91,12 +91,12 @@ class Line {
 
   bool Has(const char* key) const { return m_Json.contains(key); }
 
-  // What is legal in what has been read, but hardly meant.
+  // What is hardly meant in the line so far, though it is legal.
   const std::string& Hint() const { return m_Hint; }
 
   std::map<std::string, std::string>& Files() { return m_Files; }
 
-  // The text that is to be XML.
+  // The text, which has to be XML.
   std::string Xml() {
     std::string xml = Text("xml");
     if (!standin::IsXml(xml))

@@ -47,7 +47,7 @@ std::unique_ptr<TrafficSink> MakePrinter(const CommandLine& line, Output& output
   return std::make_unique<TextPrinter>(output, style);
 }
 
-// The clock is the system's monotonic one, which a signal interrupts.
+// Clock runs as CLOCK_MONOTONIC does. A signal that asks the program to stop ends the sleep.
 bool SleepUntil(Clock::time_point time) {
   using namespace std::chrono;
   const auto since = duration_cast<nanoseconds>(time.time_since_epoch()).count();
