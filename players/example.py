@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The smallest useful player: an invented album, PLAY, PAUSE and SKIP_FWD. To copy; docs/players.md says all the rest."""
+"""The smallest useful player: an invented album, PLAY, PAUSE and SKIP_FWD. Copy it; docs/players.md says the rest."""
 import json
 import select
 import sys

@@ -31,7 +31,7 @@ class CoverArt {
   // At the next Follow the picture is sent, changed or not.
   void Forget();
 
-  // The connection was lost. A picture that has cost it three times is not asked for again.
+  // The connection was lost. A picture whose fetching lost it three times is not asked for again.
   void OnDown();
 
  private:
@@ -56,7 +56,7 @@ class CoverArt {
   std::string m_Fault;
 
   std::optional<std::size_t> m_Told;  // the hash of the file that was sent last
-  std::string m_Trouble;              // the song whose picture has cost the connection
+  std::string m_Trouble;              // the song whose picture lost the connection
   int m_Losses = 0;
 };
 

@@ -38,8 +38,9 @@ struct Request {
   std::function<void(const std::string& refusal)> onEnd;
 };
 
-// The connection to MPD: kept up, with growing pauses between attempts, one request at a time, idle
-// in between. All that is received is bounded; an answer that stops coming ends the connection.
+// Keeps up the connection to MPD, with growing pauses between attempts. Sends one request at a
+// time, and `idle` in between. All that is received is bounded; an answer that stops coming ends
+// the connection.
 class Link {
  public:
   struct Server {

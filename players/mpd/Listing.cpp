@@ -42,7 +42,7 @@ std::string Listing::TextOf(const Item& item) {
   return Named(item.value);
 }
 
-// The driver passes a list on with its last item, so one with nothing in it needs an item too.
+// The driver passes a list on with its last item, so an empty list needs an item, too.
 void Listing::Tell(Output& output) const {
   const std::size_t total = std::max(m_Count, m_Kind.queueLength.value_or(0));
   output.Say(NotifyLine("NEW_LIST", {{"title", m_Kind.title},

@@ -14,8 +14,8 @@ namespace {
 
 constexpr std::size_t s_Enough = std::size_t{64} << 10U;
 
-// Terminals stay as they are, since other programs use them too; they and files take a small piece
-// at once whenever poll says so.
+// Terminals stay as they are, since other programs use them too; terminals and files take a small
+// piece at once whenever poll says so.
 bool MakeNonBlocking(int fd) {
   struct stat status = {};
   if (fstat(fd, &status) != 0 || (!S_ISFIFO(status.st_mode) && !S_ISSOCK(status.st_mode))) {

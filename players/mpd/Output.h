@@ -5,8 +5,8 @@
 
 namespace mpdplayer {
 
-// Session lines on their way to a descriptor that may be slow. It never blocks: while Full, the
-// caller says nothing more until the reader has caught up.
+// Session lines on their way to a descriptor that may be slow. Writing never blocks: while Full,
+// the caller says nothing more until the reader has caught up.
 class Output {
  public:
   explicit Output(int fd);

@@ -46,8 +46,8 @@ void Player::Run() {
   if (!m_Output.Empty()) m_Output.Write();
 }
 
-// While the output is full, nothing is done that would add to it. What MPD has said meanwhile is
-// read before its time is up.
+// While the output is full, nothing is done that would add to it. What MPD sends meanwhile is read
+// before its deadline counts.
 bool Player::Step() {
   const bool full = m_Output.Full();
   if (!full && Clock::now() >= m_Reports.NextTick()) m_Reports.Tick();

@@ -61,7 +61,8 @@ void Describe(CLI::App& app, CommandLine& line) {
   app.footer(s_Examples);
 }
 
-// The options stand in for the variables, so that both are read in one way, which is mpc's.
+// The options replace the environment's variables, so that both are read in the same way, as mpc
+// reads them.
 std::unique_ptr<mpd_settings, void (*)(mpd_settings*)> Settings(const CommandLine& line) {
   const auto set = [](const char* name, const std::string& option, const char* fallback) {
     if (!option.empty()) setenv(name, option.c_str(), 1);
