@@ -18,5 +18,5 @@ unsigned long Sweep(Calls calls, int error, const std::function<void(const Armed
 // The blocks that malloc and the like have given out and nobody has freed.
 long LiveBlocks();
 
-// From now on libjpeg finds that it is of another version than its caller, or works again.
+// With `foreign`, libjpeg finds from now on that its caller wants another version; without, it works again.
 void SetForeignJPEG(bool foreign);

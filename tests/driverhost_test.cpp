@@ -26,8 +26,8 @@ struct Ended {
 };
 
 // Runs a shell command with driverhost as $D, the sessions as $S and its largest number as $MOST, in a directory that
-// holds `session` as "s". "bad COMMAND" checks a case of that command with the driver that misbehaves, then the session
-// as one that expects nothing.
+// holds `session` as "s". "bad COMMAND" checks two cases with the driver that misbehaves: that command alone, and the
+// session; both expect no traffic.
 Ended Shell(const std::string& command, const std::string& session = "") {
   const Directory directory;
   const std::string& path = directory.path;

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """examples.py DRIVERHOST FOLDER REFERENCE PAGE...: plays the examples of Markdown pages, in FOLDER.
 
-A block that begins with ```case is checked as a case, one with ```session is played. No hint may come, but for
+A block that begins with ```case is checked as a case, one with ```session is played. No hint may come, except for
 parameters that a message lacks. The cases of REFERENCE have to deliver all that the driver registers, with each
-parameter that it reads, and its text has to have all these names, in `code`.
+parameter that it reads, and the text of REFERENCE has to have all these names, in `code`.
 """
 import json
 import pathlib

@@ -18,7 +18,7 @@ BROWSING = ("NEW_MENU", "ADD_MENU_ITEM", "NEW_LIST", "ADD_LIST_ITEM")
 
 
 class Device:
-    """The program under test; what it says is taken in order, what it complains of beside it."""
+    """The program under test; what it says is taken in order, its complaints are kept apart."""
 
     def __init__(self, *options, program=sys.argv[1], patience=BOUND):
         self.process = subprocess.Popen([program, *options], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
@@ -272,7 +272,7 @@ def piece(data, size=None, stated=None):
 
 
 class FalseMpd:
-    """Answers by a table: for a command's first word, one answer for each time that it comes; the last one goes on."""
+    """Answers by a table: for a command's first word, one answer for each time that it comes, then the last one again."""
 
     def __init__(self, **answers):
         self.answers = {"commands": [b"command: play\nOK\n"], "status": [b"state: pause\n" + SONG + b"OK\n"],

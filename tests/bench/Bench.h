@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-// A directory of its own, whose path ends with a separator; gone with its last user.
+// A new directory, whose path ends with a separator; removed with the object.
 class Directory {
  public:
   Directory();
@@ -53,7 +53,8 @@ Step Req(const std::string& name);
 // The plug-in under test, loaded once.
 const standin::Plugin& ThePlugin();
 
-// A driver on the bench, initialized with id 7. The image root is the process's; no picture is there at first.
+// A driver on the bench, initialized with id 7. All benches of the process share an image root; it holds no picture at
+// first.
 class Bench {
  public:
   Bench();
