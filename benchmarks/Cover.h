@@ -17,7 +17,7 @@ struct Cover {
   RawPicture Raw() const;
 };
 
-// With RGB565 the ready rows are those that are left of the picture.
+// With RGB565 the ready rows, too, lack the bits that the format drops.
 Cover MakeCover(const Picture& square, bool is565);
 
 // An encoder beside ours: writes the cover as a JPEG of about the same quality at `path`.

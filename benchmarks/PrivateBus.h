@@ -16,7 +16,7 @@ class PrivateBus {
   PrivateBus(const PrivateBus&) = delete;
   PrivateBus& operator=(const PrivateBus&) = delete;
 
-  // Emits PropertiesChanged so often, with the values of `root` and below as properties, and
+  // Emits PropertiesChanged `times` times, with the values of `root` and below as properties, and
   // returns when the listener has read all of them.
   void Send(const Element& root, std::size_t times);
 

@@ -18,7 +18,7 @@ void WriteWithDriver(const Cover& cover, const std::string& path) {
   WriteJPEGFile(path, cover.Raw());
 }
 
-// What nobody can beat with this library: all rows are there.
+// The limit with this library: all rows are ready.
 void WriteWithLibjpeg(const Cover& cover, const std::string& path) {
   std::vector<unsigned char*> rows;
   for (std::size_t y = 0; y < cover.side; ++y) {
@@ -67,8 +67,8 @@ void RunNotification(benchmark::State& state, const Cover& cover) {
   for (auto _ : state) driver.Host().Notify(*message);
 }
 
-// One after the other, as in the handler, so that each finds the processor's caches alike; after a
-// copy of the text if `copies`, as the host's interface has it.
+// Decodes, then compresses, as the handler does, so that both find the processor's caches in the
+// same state. With `copies` it first copies the text, as the host's interface does.
 void RunLimit(benchmark::State& state, const Cover& cover, bool copies) {
   const std::string text = Base64(cover.bytes);
   for (auto _ : state) {

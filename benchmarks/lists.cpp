@@ -19,7 +19,7 @@ Message Item(std::size_t number, const char* last) {
                                                      {"last", last}});
 }
 
-// So many different items, over and over: what a host delivers is still in the processor's cache.
+// Only this many items differ, so that what a host delivers is still in the processor's cache.
 constexpr std::size_t s_Different = 1000;
 
 // A list's header and its items, the last one marked.
@@ -56,7 +56,7 @@ std::string TextOf(std::size_t items) {
   return DriverWithSink().TextOf([&](standin::Host& host) { Deliver(host, ListOf(items)); });
 }
 
-// For the other libraries, too, only so many items are different objects.
+// For the other libraries, too, only that many items are different objects.
 Element ShareItems(Element list) {
   Element items = *list.children.back();
   for (std::size_t i = s_Different; i + 1 < items.children.size(); ++i) {

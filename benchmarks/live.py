@@ -73,7 +73,7 @@ def lines_of_a_player():
 
 
 class Tap:
-    """A socket before MPD's; knows when MPD's last answer to `idle` passed."""
+    """A socket in front of MPD's; knows when MPD's last answer to `idle` passed."""
 
     def __init__(self, mpd, path):
         self.mpd, self.path, self.changed = str(mpd), str(path), 0
@@ -90,7 +90,7 @@ class Tap:
                 threading.Thread(target=self.pump, args=(source, sink), daemon=True).start()
 
     def pump(self, source, sink):
-        with contextlib.suppress(OSError):  # both ends go at the end
+        with contextlib.suppress(OSError):  # at the end, both sockets are closed
             while data := source.recv(65536):
                 if b"changed: " in data:
                     self.changed = time.monotonic_ns()
@@ -191,7 +191,7 @@ window.EventSource = class extends Source {
 
 
 def on_the_page(count, pause):
-    """The browser's figures after so many records, a pause of seconds between them."""
+    """The browser's figures after `count` records, with a pause of `pause` seconds between them."""
     program = Program(0, "--", "sh", "-c", 'read -r go && exec "$@"', "sh", *steady(count, pause))
     Page.browser.get(program.url)
     until("the page", lambda: Page.browser.execute_script("return document.querySelector('#rows') !== null && window.sources > 0"))

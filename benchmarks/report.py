@@ -174,7 +174,7 @@ This page is made by `benchmarks/run`, which installs what is missing, builds, f
 photographs, measures and writes this page and the chart. Ratios are taken within one run on one
 machine, here {machine}. Times are processor
 times, each the middle one of 25, measured in turns with those that it is compared with. Only where
-several processes work (D-Bus, the replay) it is the time by the clock.
+several processes work (D-Bus, the replay) are they times by the clock.
 
 ![Times beside those of the driver, and of driver and stand-in](performance.svg)
 
@@ -193,7 +193,7 @@ play status, a change to Playing and one to Paused.
 
 ### Cover art, from pixels to file
 
-A photograph, scaled down, in memory, to a file in memory (`/dev/shm`). libjpeg is the limit: it gets
+From a scaled-down photograph in memory to a file there (`/dev/shm`). libjpeg is the limit: it gets
 ready rows, all at once. The other libraries get the same pixels as the driver; libvips and
 ImageMagick read no RGB565.
 
@@ -223,8 +223,8 @@ library.
 ### Cover art, from the notification to file
 
 The whole handler, and the stand-in's base64. The limit is base64 decoding alone and then libjpeg
-alone, with ready rows. Above it lie the reordering of the pixels and the copy of the text that the
-host's interface hands to the driver, which the second limit makes, too.
+alone, with ready rows. The driver also reorders the pixels, and the host's interface copies the text
+for it; the second limit makes that copy, too.
 
 {coverarts}
 
