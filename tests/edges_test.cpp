@@ -142,7 +142,7 @@ TEST(Edges, AJpegHasASizeOnceItsHeaderIsThere) {
   EXPECT_GT(needed, 20U);
   std::string broken = file;
   broken[3] ^= 1;
-  for (const std::string& other : {broken.substr(1), std::string("\xFF\xD8\xFF\xFF\xFF\xC4\0\2\xFF\xDA", 10)}) {
+  for (const std::string& other : {broken.substr(1), std::string("\xFF\xD8\xFF\xFF\xC4\0\6\0\1\0\2\xFF\xD9\0\0", 15)}) {
     EXPECT_FALSE(driverhost::ReadJpegSize(other));
   }
 }
