@@ -10,8 +10,9 @@ class HOST_API IDeviceCommon {
  public:
   // When to call it is up to the host; the stand-in never does.
   virtual void LateInitialize() = 0;
-  // The id that Initialize was given; in the stand-in 0 before that. The others say what the host
-  // knows of the device; in the stand-in they answer with empty text, 0 and, for the state, null.
+  // The driver's own device id; in the stand-in the one that Initialize was given, 0 before that.
+  // The others say what the host knows of the device; in the stand-in they answer with empty text,
+  // 0 and, for the state, null.
   virtual unsigned long GetDeviceId() const = 0;
   virtual const std::string& GetDeviceName() const = 0;
   virtual unsigned long GetDeviceType() const = 0;

@@ -16,7 +16,8 @@ class HOST_API INode {
   virtual unsigned long AddRef() = 0;
 
   // Add a named value after all that was added so far. `value` may not be null. The stand-in writes
-  // a named value as a child element, and a bool as True or False.
+  // a named value as a child element, and a bool as True or False. A number would be taken for a
+  // bool: make it a text first (tq::ToString).
   virtual void AddNamedValue(const std::string& name, const char* value) = 0;
   virtual void AddNamedValue(const std::string& name, const std::string& value) = 0;
   virtual void AddNamedValue(const std::string& name, bool value) = 0;

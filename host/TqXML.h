@@ -32,7 +32,7 @@ HOST_API tq::auto_com<INode> CreateXmlNode();
 HOST_API tq::auto_com<INode> CreateXmlNode(const std::string& name, const std::string& value);
 
 // Parses XML text. The holder is empty when the text is no document. The stand-in takes well-formed
-// XML 1.0 in UTF-8.
+// XML 1.0 in UTF-8 that has no entities of its own.
 HOST_API tq::auto_com<IDocument> CreateXmlDocument(const std::string& xml);
 
 }  // namespace TqXML
