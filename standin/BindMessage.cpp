@@ -1,9 +1,7 @@
 #include "standin/BindMessage.h"
 
-#include "standin/CmdMessage.h"
+#include "standin/CheckedCast.h"
 #include "standin/Messages.h"
-#include "standin/OwnOf.h"
-#include "standin/Services.h"
 #include "standin/XmlReader.h"
 #include "standin/XmlText.h"
 
@@ -11,68 +9,70 @@
 
 namespace standin {
 
-BindMessage::BindMessage(std::string name, std::string command, Params params,
-                         std::optional<std::string> xml)
-    : Counted(&Ledger::bindMessages),
-      m_Name(std::move(name)),
+BindMessage::BindMessage(MessageContent content, std::string command,
+                         std::optional<std::string> xml, const char* fault)
+    : Counted(Kind::BindMessage),
+      m_Content(std::move(content)),
       m_Command(std::move(command)),
-      m_Params(std::move(params)),
-      m_Xml(std::move(xml)) {}
-
-const BindMessage& BindMessage::Of(const IBindMessage& message) {
-  return OwnOf<const BindMessage>(message, "a notification or bound call");
-}
+      m_Xml(std::move(xml)),
+      m_Fault(fault) {}
 
 std::string BindMessage::GetXml() const {
+  CheckUse("IBindMessage::GetXml");
+  m_Content.ReportWhole();
   if (m_Xml) return *m_Xml;
   std::string xml = "<";
-  AppendName(xml, m_Name);
-  if (m_Params.empty()) return xml += "/>";
+  AppendName(xml, m_Content.name);
+  if (m_Content.params.empty()) return xml += "/>";
   xml += '>';
-  for (const Param& param : m_Params) AppendElement(xml, param.name, param.value);
+  for (const Param& param : m_Content.params) AppendElement(xml, param.name, param.value);
   xml += "</";
-  AppendName(xml, m_Name);
+  AppendName(xml, m_Content.name);
   return xml += '>';
 }
 
+const std::string& BindMessage::GetCommand() const {
+  CheckUse("IBindMessage::GetCommand");
+  return m_Command;
+}
+
 std::string BindMessage::GetParamText(const std::string& name) const {
-  return Read(Observer::Accessor::Text, name);
+  CheckUse("IBindMessage::GetParamText");
+  const Param* param = m_Content.ReadParam(Read::Accessor::Text, name);
+  return param ? param->value : std::string();
 }
 
 std::string BindMessage::GetParamValue(const std::string& name) const {
-  return Read(Observer::Accessor::Value, name);
-}
-
-std::string BindMessage::Read(Observer::Accessor accessor, const std::string& name) const {
-  const Param* param = FindParam(m_Params, name);
-  if (Services* services = Services::Current()) {
-    services->observer.OnRead(m_Name, name, accessor, param ? &param->value : nullptr);
-  }
+  CheckUse("IBindMessage::GetParamValue");
+  const Param* param = m_Content.ReadParam(Read::Accessor::Value, name);
   return param ? param->value : std::string();
 }
 
 const Params& ParametersOf(const IBindMessage& notification) {
-  return BindMessage::Of(notification).Parameters();
+  return CheckedCast<const BindMessage>(notification, "ParametersOf").Content().params;
 }
 
-bool IsXml(const std::string& text) { return ReadXml(text).has_value(); }
+bool IsXml(const std::string& text) { return !ReadXml(text).fault; }
 
 tq::auto_com<IBindMessage> MakeNotification(const std::string& name, Params params) {
-  return tq::auto_com<IBindMessage>(new BindMessage(name, "", std::move(params), std::nullopt));
+  return tq::auto_com<IBindMessage>(new BindMessage(
+      {name, std::move(params), MessageContent::Kind::Notification}, "", std::nullopt));
 }
 
 tq::auto_com<IBindMessage> MakeNotificationFromXml(const std::string& name, std::string xml) {
   std::string command;
   Params params;
-  if (const auto read = ReadXml(xml)) {
-    const auto& root = read->elements.front();
-    if (root.name == "command") command = root.Attribute("name");
-    for (std::size_t i = 1; i < read->elements.size(); ++i) {
-      params.push_back({read->elements[i].name, read->elements[i].text, ""});
+  const auto read = ReadXml(xml);
+  for (const auto& element : read.elements) {
+    if (&element != &read.elements.front()) {
+      params.push_back({element.name, element.text, ""});
+    } else if (element.name == "command") {
+      command = element.Attribute("name");
     }
   }
   return tq::auto_com<IBindMessage>(
-      new BindMessage(name, std::move(command), std::move(params), std::move(xml)));
+      new BindMessage({name, std::move(params), MessageContent::Kind::Notification},
+                      std::move(command), std::move(xml), read.fault));
 }
 
 }  // namespace standin

@@ -1,26 +1,29 @@
 #include "host/CmdDispatcher.h"
 #include "host/NtfDispatcher.h"
 #include "host/UICmdDispatcher.h"
+#include "standin/Operation.h"
 #include "standin/Services.h"
 
 #include <utility>
 
 namespace {
 
-void Note(const std::string& registration) {
-  if (auto* services = standin::Services::Current()) services->registered.push_back(registration);
+void AddToRegistered(const char* operation, const std::string& registration) {
+  standin::CheckCaller(operation);
+  const standin::Lock lock;
+  if (auto* services = standin::Call::Current()) services->registered.push_back(registration);
 }
 
 }  // namespace
 
 void NtfDispatcher::RegisterNtf(const std::string& name, Handler handler) {
   m_Handlers.Set(name, std::move(handler));
-  Note("notification " + name);
+  AddToRegistered("NtfDispatcher::RegisterNtf", "notification " + name);
 }
 
 void NtfDispatcher::RegisterDefaultNtf(Handler handler) {
   m_Default = std::move(handler);
-  Note("default notification");
+  AddToRegistered("NtfDispatcher::RegisterDefaultNtf", "default notification");
 }
 
 const NtfDispatcher::Handler* NtfDispatcher::Find(const std::string& name) const {
@@ -30,7 +33,7 @@ const NtfDispatcher::Handler* NtfDispatcher::Find(const std::string& name) const
 
 void CmdDispatcher::RegisterCmd(const std::string& name, Handler handler) {
   m_Handlers.Set(name, std::move(handler));
-  Note("command " + name);
+  AddToRegistered("CmdDispatcher::RegisterCmd", "command " + name);
 }
 
 const CmdDispatcher::Handler* CmdDispatcher::Find(const std::string& name) const {
@@ -39,7 +42,7 @@ const CmdDispatcher::Handler* CmdDispatcher::Find(const std::string& name) const
 
 void UICmdDispatcher::RegisterUICmd(const std::string& name, Handler handler) {
   m_Handlers.Set(name, std::move(handler));
-  Note("request " + name);
+  AddToRegistered("UICmdDispatcher::RegisterUICmd", "request " + name);
 }
 
 const UICmdDispatcher::Handler* UICmdDispatcher::Find(const std::string& name) const {

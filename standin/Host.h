@@ -18,9 +18,10 @@
 #include <vector>
 
 // A stand-in for the controller's driver host: it loads a plug-in, delivers messages to its driver
-// and reports what comes out to an observer. Everything runs on the caller's thread; the process
-// may use the stand-in on one thread at a time. Texts are bytes; XML that leaves the stand-in is
-// well-formed XML 1.0 in UTF-8.
+// and reports what comes out to an observer. Everything runs on the caller's thread. The process
+// may use the stand-in on one thread at a time; a driver that uses it on threads of its own is
+// reported, and does not break it. Texts are bytes; XML that leaves the stand-in is well-formed
+// XML 1.0 in UTF-8.
 namespace standin {
 
 class Services;
@@ -38,8 +39,11 @@ class HOST_API Host {
   Host(const Host&) = delete;
   Host& operator=(const Host&) = delete;
 
-  // Returns 0, or 1 for a driver that was initialized before.
-  long Initialize(unsigned long id);
+  // `config` and `state` are XML texts; without a state the driver is given none. Returns what the
+  // driver answers: the base class's Initialize answers 0, or 1 when it was called before. Throws
+  // std::invalid_argument, before the driver is called, when a text is no document.
+  long Initialize(unsigned long id, const std::string& config = "<config/>",
+                  const std::optional<std::string>& state = std::nullopt);
 
   // The bound device sends a notification.
   void Notify(const IBindMessage& notification);
@@ -63,10 +67,12 @@ class HOST_API Host {
   // named, and for any kind but 2.
   void SetRooms(std::map<unsigned long, unsigned long> outputs);
 
-  // Asks the driver for the state that it wants kept over a restart.
-  void Persist();
+  // Asks the driver for the state that it wants kept over a restart: XML text for the Initialize of
+  // the next driver, nothing when the driver gives none. The observer is told, too.
+  std::optional<std::string> Persist();
 
-  // Releases the driver, which destroys it. Does nothing when called again.
+  // Releases the driver, which destroys it. Does nothing when called again. A driver to which there
+  // is another reference lives on, which is misuse: it may not use the host when that is gone.
   void Destroy();
 
   // With `fails`, the factory returns an empty holder from now on; without, it works again.
@@ -82,6 +88,8 @@ class HOST_API Host {
   TqBaseProxyDriver& Object();
 
  private:
+  void CheckBinding(unsigned long bindingId, bool bound);
+
   std::unique_ptr<Services> m_Services;
   tq::auto_com<IDriver> m_Driver;
 };

@@ -1,12 +1,10 @@
 #include "standin/Ledger.h"
 
-#include "standin/Counted.h"
+#include "standin/HostObject.h"
 
 namespace standin {
 
-Ledger s_Ledger{};
-
-Ledger GetLedger() { return s_Ledger; }
+Ledger GetLedger() { return HostObject::Held(); }
 
 const char* NameOf(std::size_t Ledger::*kind) {
   return kind == &Ledger::nodes             ? "node"

@@ -17,15 +17,15 @@ namespace standin {
 HOST_API tq::auto_com<IBindMessage> MakeNotification(const std::string& name, Params params);
 
 // `xml` is the whole message: the children of its root are the parameters, and a root `command`
-// with an attribute `name` makes it a message that carries that command. Text that does not parse
-// makes a message without either.
+// with an attribute `name` makes it a message that carries that command. Text that is no
+// document makes a message without either; the observer hears of it at each delivery.
 HOST_API tq::auto_com<IBindMessage> MakeNotificationFromXml(const std::string& name,
                                                             std::string xml);
 
 // A notification's parameters; they live as long as it.
 HOST_API const Params& ParametersOf(const IBindMessage& notification);
 
-// Whether a text is well-formed XML 1.0 in UTF-8.
+// Whether a text is a document: well-formed XML 1.0 in UTF-8 that has no entities of its own.
 HOST_API bool IsXml(const std::string& text);
 
 // A command, or a user-interface request.

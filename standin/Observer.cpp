@@ -6,6 +6,8 @@ Observer::~Observer() = default;
 
 void Observer::OnMisuse(const std::string&) {}
 
-void Observer::OnRead(const std::string&, const std::string&, Accessor, const std::string*) {}
+void Observer::OnHint(Hint, const std::string&) {}
+
+void Observer::OnRead(const Read&) {}
 
 }  // namespace standin

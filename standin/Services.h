@@ -4,13 +4,15 @@
 #include "host/IInstanceManager.h"
 #include "host/IRoomOutputs.h"
 #include "standin/Factory.h"
+#include "standin/HostObject.h"
 #include "standin/Observer.h"
-#include "standin/Remains.h"
 
+#include <atomic>
 #include <bitset>
 #include <map>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace standin {
@@ -23,28 +25,25 @@ class Services final : public IInstanceManager, public IHostPaths, public IRoomO
     std::string value;
   };
 
-  // While a Scope exists, Current() returns its services. A host makes one for each call into its
-  // driver.
-  class Scope {
-   public:
-    explicit Scope(Services& services);
-    ~Scope();
-    Scope(const Scope&) = delete;
-    Scope& operator=(const Scope&) = delete;
-
-   private:
-    Services* m_Previous;
-  };
-
   Services(Observer& sink, std::optional<std::string> root);
+  ~Services();
+  Services(const Services&) = delete;
+  Services& operator=(const Services&) = delete;
 
-  static Services& Of(IInstanceManager& im);  // as in OwnOf.h
+  // Throws std::logic_error for an instance manager that is not the stand-in's.
+  static Services& Of(IInstanceManager& im);
 
-  // The services of the host that is calling its driver; null outside such a call.
-  static Services* Current();
+  // Those that were made last of all that there are; null when there are none. Requires a Lock, as
+  // long as they are used.
+  static Services* Newest();
 
-  // Whether the factory of the current host has to fail.
+  // Whether the factory of the host whose call runs on this thread has to fail.
   static bool Fails(Factory factory);
+
+  void Tell(Hint hint, const std::string& what);
+
+  // Whether the driver has registered a handler.
+  bool HasHandler() const;
 
   bool GetInstance(const char* guid, void** out) override;
   const std::string& GetRootPath() override;
@@ -60,7 +59,14 @@ class Services final : public IInstanceManager, public IHostPaths, public IRoomO
   std::map<unsigned long, Variable> variables;
   std::vector<std::string> registered;
   std::bitset<5> faults;
-  Remains* dead = nullptr;  // until the current call into the driver is over
+
+  bool creating = true;              // the driver's constructor has not returned
+  bool variablesRegistered = false;  // the base class's Initialize was called
+
+  // Of the call into the driver.
+  std::atomic<std::thread::id> thread = std::this_thread::get_id();
+  const std::string* request = nullptr;  // as in Call.h
+  HostObject* released = nullptr;        // the last that lost its references in the call
 
  private:
   std::optional<std::string> m_ImageRoot;

@@ -1,14 +1,20 @@
 #include "host/TqBaseProxyDriver.h"
 
 #include "standin/BindMessage.h"
+#include "standin/CheckedCast.h"
 #include "standin/CmdMessage.h"
+#include "standin/Operation.h"
 #include "standin/Services.h"
 
 #include <string>
 #include <utility>
 
 using standin::BindMessage;
+using standin::CheckedCast;
 using standin::CmdMessage;
+using standin::Hint;
+using standin::Operation;
+using standin::Sending;
 using standin::Services;
 using Change = standin::Observer::Change;
 
@@ -27,17 +33,18 @@ void TqBaseProxyDriver::BoundCall(unsigned long bindingId, BindingType, const st
 
 void TqBaseProxyDriver::OnBindingChanged(unsigned long bindingId, const std::string& className,
                                          bool bound) {
-  auto& services = Services::Of(m_InstanceManager);
+  const Operation host(m_InstanceManager, "OnBindingChanged");
   if (bound) {
-    services.bindings.insert_or_assign(bindingId, className);
+    host->bindings.insert_or_assign(bindingId, className);
   } else {
-    services.bindings.erase(bindingId);
+    host->bindings.erase(bindingId);
   }
-  if (bindingId == m_BindingId && bound) services.capabilities = std::move(services.offered);
+  if (bindingId == m_BindingId && bound) host->capabilities = std::move(host->offered);
 }
 
 void TqBaseProxyDriver::ExecuteCommand(const ICmdMessage& command, ICmdReturn* ret, unsigned long) {
-  const auto* handler = m_CmdDispatcher.Find(CmdMessage::Of(command).Name());
+  const std::string& name = CheckedCast<const CmdMessage>(command, "ExecuteCommand").Content().name;
+  const auto* handler = m_CmdDispatcher.Find(name);
   if (handler) {
     (*handler)(command, ret);
   } else if (const tq::auto_com<IBindMessage> bound{CreateBindMessage(command)}) {
@@ -50,23 +57,33 @@ bool TqBaseProxyDriver::TestCondition(const ICondMessage&, unsigned long*) { ret
 void TqBaseProxyDriver::VmAdd(unsigned long id, const std::string& name, TqTypes::VariableType type,
                               const std::string& value, long first, long second,
                               const std::string& last) {
-  auto& services = Services::Of(m_InstanceManager);
-  services.registered.push_back(
-      "variable " + std::to_string(id) + ' ' + name + ' ' + std::to_string(static_cast<int>(type)) +
-      ' ' + std::to_string(first) + ' ' + std::to_string(second) + " '" + last + '\'');
-  services.variables.insert_or_assign(id, Services::Variable{name, value});
-  services.observer.OnVariable(Change::Added, id, name, value);
+  const Sending host(m_InstanceManager, "VmAdd");
+  const std::string variable = "variable " + std::to_string(id) + ' ' + name;
+  host->registered.push_back(variable + ' ' + std::to_string(static_cast<int>(type)) + ' ' +
+                             std::to_string(first) + ' ' + std::to_string(second) + " '" + last +
+                             '\'');
+  if (host->variables.contains(id)) {
+    host->Tell(Hint::VariableTwice, variable + " was added twice");
+  }
+  host->variables.insert_or_assign(id, Services::Variable{name, value});
+  host->observer.OnVariable(Change::Added, id, name, value);
 }
 
+// A driver that was never initialized removes variables that were never added: that is no mistake.
 void TqBaseProxyDriver::VmRemove(unsigned long id) {
-  auto& services = Services::Of(m_InstanceManager);
-  const auto removed = services.variables.extract(id);
-  if (removed.empty()) return;
-  services.observer.OnVariable(Change::Removed, id, removed.mapped().name, removed.mapped().value);
+  const Operation host(m_InstanceManager, "VmRemove");
+  const auto removed = host->variables.extract(id);
+  if (!removed.empty()) {
+    const auto& [name, value] = removed.mapped();
+    host->observer.OnVariable(Change::Removed, id, name, value);
+  } else if (host->variablesRegistered) {
+    host->Tell(Hint::UnknownVariable,
+               "variable " + std::to_string(id) + " was removed without having been added");
+  }
 }
 
 void TqBaseProxyDriver::HandleNotification(const IBindMessage& msg) {
-  if (const auto* handler = m_NtfDispatcher.Find(BindMessage::Of(msg).Name())) {
-    (*handler)(msg);
-  }
+  const std::string& name =
+      CheckedCast<const BindMessage>(msg, "HandleNotification").Content().name;
+  if (const auto* handler = m_NtfDispatcher.Find(name)) (*handler)(msg);
 }

@@ -1,56 +1,67 @@
 #include "standin/Tree.h"
 
 #include "host/XmlHelper.h"
-#include "standin/OwnOf.h"
+#include "standin/CheckedCast.h"
+#include "standin/Operation.h"
 #include "standin/Services.h"
-#include "standin/XmlReader.h"
 #include "standin/XmlText.h"
 
-#include <cassert>
 #include <type_traits>
 
 namespace standin {
 
-Element& Element::Of(TqXML::INode& node) { return OwnOf<Element>(node, "an element"); }
+void Element::CheckAlive(const char* operation) const { m_Tree.CheckAlive(operation); }
 
-const Element& Element::Of(const TqXML::INode& node) {
-  return OwnOf<const Element>(node, "an element");
+unsigned long Element::AddRef() {
+  const unsigned long references = m_Tree.AddRef();
+  m_References.Add(1);
+  return references;
 }
 
-unsigned long Element::AddRef() { return m_Tree.AddRef(); }
+unsigned long Element::Release() {
+  if (m_References.Get() > 0) {
+    m_References.Subtract(1);
+  } else if (m_Tree.References() > 0) {
+    HostObject::ReportBorrowedRelease(HostObject::Kind::Node);
+    return m_Tree.References();
+  }
+  return m_Tree.Release();
+}
 
-unsigned long Element::Release() { return m_Tree.Release(); }
-
-void Element::AddNamedValue(const std::string& name, const char* value) { AddChild(name, value); }
+void Element::AddNamedValue(const std::string& name, const char* value) {
+  m_Tree.CheckUse("INode::AddNamedValue");
+  AddChild(name, value);
+}
 
 void Element::AddNamedValue(const std::string& name, const std::string& value) {
+  m_Tree.CheckUse("INode::AddNamedValue");
   AddChild(name, value);
 }
 
 void Element::AddNamedValue(const std::string& name, bool value) {
+  m_Tree.CheckUse("INode::AddNamedValue");
   AddChild(name, value ? "True" : "False");
 }
 
 void Element::SetNameValue(const std::string& name, const std::string& value) {
-  assert(m_Name.empty() && m_Content.empty());
-  Set(name, value);
+  m_Tree.CheckUse("INode::SetNameValue");
+  SetNameAndContent(name, value);
 }
 
 static_assert(std::is_trivially_destructible_v<Element>, "it goes with the tree's memory");
 
-void Element::Set(std::string_view name, std::string_view value) {
-  std::string valid;
-  AppendName(valid, name);
-  const std::string_view content = m_Tree.Keep(value);
-  m_Name = m_Tree.Keep(valid);
+void Element::SetNameAndContent(std::string_view name, std::string_view value) {
+  const std::string valid = NameForDriver(name);
+  const std::string_view content = m_Tree.Copy(value);
+  m_Name = m_Tree.Copy(valid);
   m_Content = content;
   m_Tree.m_TextSize += 2 * valid.size() + value.size() + 5;
 }
 
 Element& Element::AddChild(std::string_view name, std::string_view value) {
-  if (m_Name.empty()) m_Tree.OpenRoot();
-  Element& child = *m_Tree.m_Memory.new_object<Element>(m_Tree, this);
-  child.Set(name, value);
+  if (m_Name.empty() && !WasRead()) SetNameAndContent(m_Name, m_Content);
+  Element& child = *m_Tree.m_Memory.new_object<Element>(m_Tree, this, 0);
+  child.SetNameAndContent(name, value);
   (m_LastChild ? m_LastChild->m_Next : m_FirstChild) = &child;
   m_LastChild = &child;
   return child;
@@ -58,6 +69,8 @@ Element& Element::AddChild(std::string_view name, std::string_view value) {
 
 // Each round goes down along the first children, then up as long as there is no next child.
 std::string Element::GetXmlString() const {
+  m_Tree.CheckUse("INode::GetXmlString");
+  if (m_Name.empty() && !WasRead()) return '<' + NameForDriver(m_Name) + "/>";
   std::string xml;
   if (this == &m_Tree.m_Root) xml.reserve(m_Tree.m_TextSize);
   for (const Element* at = this;; at = at->m_Next) {
@@ -67,10 +80,17 @@ std::string Element::GetXmlString() const {
   }
 }
 
+bool Element::WasRead() const { return !m_Tree.m_RootEnd.empty(); }
+
+bool Element::HasLostItsEnd() const {
+  return WasRead() && m_FirstChild && m_Tree.m_RootEnd == "/>";
+}
+
 // For an element without children the head is the whole element.
 void Element::AppendHead(std::string& xml) const {
   if (m_Name.empty()) {
     xml += m_Content;
+    if (HasLostItsEnd()) xml += '>';
   } else if (!m_FirstChild) {
     AppendElement(xml, m_Name, m_Content);
   } else {
@@ -80,41 +100,40 @@ void Element::AppendHead(std::string& xml) const {
 }
 
 void Element::AppendEnd(std::string& xml) const {
-  if (m_Name.empty()) {
+  if (m_Name.empty() && !HasLostItsEnd()) {
     xml += m_Tree.m_RootEnd;
   } else if (m_FirstChild) {
-    xml.append("</").append(m_Name).append(">");
+    xml.append("</").append(m_Name.empty() ? m_Tree.m_RootName : m_Name).append(">");
   }
 }
 
-Tree::Tree() : Counted(&Ledger::nodes), m_Root(*this, nullptr) {}
+Tree::Tree() : Counted(Kind::Node), m_Root(*this, nullptr, 1) {}
 
-Tree::Tree(std::string_view text) : Counted(&Ledger::documents), m_Root(*this, nullptr) {
-  const bool empty = text[text.size() - 2] == '/';
-  const std::size_t end = empty ? text.size() - 2 : text.rfind("</");
-  m_RootEnd = Keep(text.substr(end));
-  m_Root.m_Content = Keep(text.substr(0, end));
+Tree::Tree(const XmlContent& content) : Counted(Kind::Document), m_Root(*this, nullptr, 0) {
+  const std::string_view text = content.root;
+  const std::size_t end = text.ends_with("/>") ? text.size() - 2 : text.rfind("</");
+  m_Root.m_Content = Copy(text.substr(0, end));
+  m_RootEnd = Copy(text.substr(end));
+  m_RootName = Copy(content.elements.front().name);
   m_TextSize = text.size();
 }
 
-std::string_view Tree::Keep(std::string_view text) {
-  char* kept = static_cast<char*>(m_Memory.allocate_bytes(text.size(), 1));
-  return {kept, text.copy(kept, text.size())};
+TqXML::INode& Tree::GetRootNode() {
+  CheckUse("IDocument::GetRootNode");
+  return m_Root;
 }
 
-void Tree::OpenRoot() {
-  assert(!m_RootEnd.empty());
-  if (m_RootEnd != "/>") return;
-  const std::string head(m_Root.m_Content);
-  m_RootEnd = Keep("</" + head.substr(1, head.find_first_of(" \t\r\n") - 1) + '>');
-  m_Root.m_Content = Keep(head + '>');
+std::string_view Tree::Copy(std::string_view text) {
+  char* kept = static_cast<char*>(m_Memory.allocate_bytes(text.size(), 1));
+  return {kept, text.copy(kept, text.size())};
 }
 
 }  // namespace standin
 
 tq::auto_com<TqXML::INode> TqXML::CreateXmlNode() {
+  standin::CheckCaller("TqXML::CreateXmlNode");
   if (standin::Services::Fails(standin::Factory::Node)) return {};
-  return tq::auto_com<INode>(&(new standin::Tree)->GetRootNode());
+  return tq::auto_com<INode>(&(new standin::Tree)->Root());
 }
 
 tq::auto_com<TqXML::INode> TqXML::CreateXmlNode(const std::string& name, const std::string& value) {
@@ -124,12 +143,15 @@ tq::auto_com<TqXML::INode> TqXML::CreateXmlNode(const std::string& name, const s
 }
 
 tq::auto_com<TqXML::IDocument> TqXML::CreateXmlDocument(const std::string& xml) {
+  standin::CheckCaller("TqXML::CreateXmlDocument");
   if (standin::Services::Fails(standin::Factory::Document)) return {};
-  const auto read = standin::ReadXml(xml);
-  if (!read) return {};
-  return tq::auto_com<IDocument>(new standin::Tree(read->root));
+  const auto read = standin::ReadXmlForDriver(xml);
+  if (read.fault) return {};
+  return tq::auto_com<IDocument>(new standin::Tree(read));
 }
 
 TqXML::INode* XmlHelper::AddChild(TqXML::INode& parent, const char* name, const char* value) {
-  return &standin::Element::Of(parent).AddChild(name, value);
+  standin::CheckCaller("XmlHelper::AddChild");
+  return &standin::CheckedCast<standin::Element>(parent, "XmlHelper::AddChild")
+              .AddChild(name, value);
 }

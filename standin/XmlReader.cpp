@@ -1,10 +1,11 @@
 #include "standin/XmlReader.h"
 
+#include "standin/Services.h"
+
 #include <expat.h>
 
-#include <algorithm>
-#include <array>
 #include <climits>
+#include <cstddef>
 #include <exception>
 #include <memory>
 #include <new>
@@ -14,6 +15,10 @@
 namespace standin {
 
 namespace {
+
+constexpr char s_NotWellFormed[] = "the XML is not well-formed: it is no document and no command";
+constexpr char s_OwnEntities[] =
+    "the XML has entities of its own: it is no document and no command";
 
 // Gathers what the parser reports. When a handler throws, the parser, which is written in C, is
 // stopped, and the exception is thrown again after the parser has returned.
@@ -31,21 +36,23 @@ class Gatherer {
     XML_SetCharacterDataHandler(m_Parser.get(), [](void* self, const char* text, int size) {
       Call(self, [&](Gatherer& g) { g.Text({text, static_cast<std::size_t>(size)}); });
     });
-    // With a default handler the parser reports references to internal entities unexpanded.
-    XML_SetDefaultHandler(m_Parser.get(), [](void* self, const char* text, int size) {
-      Call(self, [&](Gatherer& g) { g.Other({text, static_cast<std::size_t>(size)}); });
+    XML_SetEntityDeclHandler(
+        m_Parser.get(), [](void* self, auto...) { Call(self, [](Gatherer& g) { g.Entity(); }); });
+    XML_SetStartDoctypeDeclHandler(m_Parser.get(), [](void* self, auto...) {
+      Call(self, [](Gatherer& g) { g.m_HasDoctype = true; });
     });
   }
 
-  std::optional<XmlContent> Read() {
-    if (m_Xml.size() > INT_MAX) return std::nullopt;
+  XmlContent Read() {
+    if (m_Xml.size() > INT_MAX) return {s_NotWellFormed, {}, {}};
     const auto status =
         XML_Parse(m_Parser.get(), m_Xml.data(), static_cast<int>(m_Xml.size()), XML_TRUE);
     if (m_Thrown) std::rethrow_exception(m_Thrown);
     if (XML_GetErrorCode(m_Parser.get()) == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
-    if (status != XML_STATUS_OK) return std::nullopt;
-    CopyRoot();
-    return std::move(m_Content);
+    if (m_DeclaresEntities) return {s_OwnEntities, {}, {}};
+    if (status != XML_STATUS_OK) return {s_NotWellFormed, {}, {}};
+    m_Content.root = m_Xml.substr(m_Begin, m_End - m_Begin);
+    return m_HasDoctype ? ReadRootAlone() : std::move(m_Content);
   }
 
  private:
@@ -69,27 +76,20 @@ class Gatherer {
     return static_cast<std::size_t>(XML_GetCurrentByteIndex(m_Parser.get()));
   }
 
-  std::size_t EventSize() const {
-    return static_cast<std::size_t>(XML_GetCurrentByteCount(m_Parser.get()));
-  }
-
   void Start(const char* name, const char** attributes) {
-    const std::string_view tag = std::string_view(m_Xml).substr(Position(), EventSize());
-    const bool usesOwnEntities = EscapeOwnEntities(tag);
     if (m_Depth == 0) m_Begin = Position();
     if (m_Depth < 2) {
       m_Content.elements.push_back({name, {}, {}});
-      // After the attributes of the tag, the parser lists defaults that the document declares.
-      const int stated = usesOwnEntities ? 0 : XML_GetSpecifiedAttributeCount(m_Parser.get());
-      for (int i = 0; i < stated; i += 2) {
-        m_Content.elements.back().attributes.emplace_back(attributes[i], attributes[i + 1]);
+      for (; *attributes; attributes += 2) {
+        m_Content.elements.back().attributes.emplace_back(attributes[0], attributes[1]);
       }
     }
     ++m_Depth;
   }
 
   void End() {
-    if (--m_Depth == 0) m_End = Position() + EventSize();
+    const auto tagSize = static_cast<std::size_t>(XML_GetCurrentByteCount(m_Parser.get()));
+    if (--m_Depth == 0) m_End = Position() + tagSize;
   }
 
   void Text(std::string_view text) {
@@ -97,43 +97,27 @@ class Gatherer {
     if (m_Depth > 1) m_Content.elements.back().text += text;
   }
 
-  void Other(std::string_view text) {
-    if (m_Depth == 0 || text[0] != '&') return;
-    m_Escaped.push_back(Position());
-    Text(text);
+  void Entity() {
+    m_DeclaresEntities = true;
+    XML_StopParser(m_Parser.get(), XML_FALSE);
   }
 
-  // Returns whether the start tag refers to an entity that the document declares. The parser
-  // reports the attributes with such references replaced.
-  bool EscapeOwnEntities(std::string_view tag) {
-    static constexpr std::array<std::string_view, 6> known = {"&amp;",  "&lt;",   "&gt;",
-                                                              "&quot;", "&apos;", "&#"};
-    const std::size_t before = m_Escaped.size();
-    for (auto at = tag.find('&'); at != std::string_view::npos; at = tag.find('&', at + 1)) {
-      const bool isKnown = std::any_of(known.begin(), known.end(), [&](std::string_view entity) {
-        return tag.substr(at, entity.size()) == entity;
-      });
-      if (!isKnown) m_Escaped.push_back(Position() + at);
-    }
-    return m_Escaped.size() > before;
-  }
-
-  void CopyRoot() {
-    std::size_t copied = m_Begin;
-    for (const std::size_t at : m_Escaped) {
-      m_Content.root.append(m_Xml, copied, at - copied).append("&amp;");
-      copied = at + 1;
-    }
-    m_Content.root.append(m_Xml, copied, m_End - copied);
+  // What the DOCTYPE declares does not go with the root: defaults of attributes are left out, and
+  // what only an external DTD could declare makes the text no document.
+  XmlContent ReadRootAlone() const {
+    XmlContent alone = ReadXml(m_Content.root);
+    if (alone.fault) alone.fault = s_OwnEntities;
+    return alone;
   }
 
   const std::string& m_Xml;
   const std::unique_ptr<std::remove_pointer_t<XML_Parser>, Free> m_Parser;
   XmlContent m_Content;
-  std::vector<std::size_t> m_Escaped;
   std::size_t m_Begin = 0;
   std::size_t m_End = 0;
   unsigned long m_Depth = 0;
+  bool m_HasDoctype = false;
+  bool m_DeclaresEntities = false;
   std::exception_ptr m_Thrown;
 };
 
@@ -146,6 +130,13 @@ std::string XmlContent::Element::Attribute(const std::string& attribute) const {
   return {};
 }
 
-std::optional<XmlContent> ReadXml(const std::string& xml) { return Gatherer(xml).Read(); }
+XmlContent ReadXml(const std::string& xml) { return Gatherer(xml).Read(); }
+
+XmlContent ReadXmlForDriver(const std::string& xml) {
+  XmlContent read = ReadXml(xml);
+  Services* services = Call::Current();
+  if (read.fault && services) services->Tell(Hint::NoDocument, read.fault);
+  return read;
+}
 
 }  // namespace standin

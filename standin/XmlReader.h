@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstddef>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -12,8 +10,6 @@ namespace standin {
 struct XmlContent {
   struct Element {
     std::string name;
-    // As the start tag states them. None when the tag refers to an entity that the document
-    // declares.
     std::vector<std::pair<std::string, std::string>> attributes;
     std::string text;  // of the element and of all that is below it
 
@@ -21,16 +17,18 @@ struct XmlContent {
     std::string Attribute(const std::string& attribute) const;
   };
 
-  // The root's text as it stands in the document, with one change: where it refers to an entity
-  // that the document declares, '&' is written "&amp;", so that the root can be read on its own.
-  std::string root;
+  // Says why the text is no document. Null when it is one; else the other members are empty.
+  const char* fault = nullptr;
 
+  std::string root;               // as it stands in the text; it can be read on its own
   std::vector<Element> elements;  // the root, then its children
 };
 
-// Reads XML 1.0 in UTF-8, whatever encoding it declares. Returns nothing when the text is not
-// well-formed. External entities are not read; references to entities that the document declares
-// are not replaced.
-std::optional<XmlContent> ReadXml(const std::string& xml);
+// Reads XML 1.0 in UTF-8, whatever encoding it declares, and nothing external. A text that is not
+// well-formed, or declares entities, is no document.
+XmlContent ReadXml(const std::string& xml);
+
+// As ReadXml, for a driver: the observer hears of a fault.
+XmlContent ReadXmlForDriver(const std::string& xml);
 
 }  // namespace standin

@@ -1,5 +1,6 @@
 #include "standin/XmlText.h"
 
+#include "standin/Services.h"
 #include "standin/Utf8.h"
 
 #include <algorithm>
@@ -131,6 +132,17 @@ void AppendName(std::string& xml, std::string_view name) {
     if (!name.empty() && !IsNameByte(name[0])) name.remove_prefix(1);
   }
   for (const char c : name) xml += IsNameByte(c) ? c : '_';
+}
+
+std::string NameForDriver(std::string_view name) {
+  std::string valid;
+  AppendName(valid, name);
+  Services* services = valid == name ? nullptr : Call::Current();
+  if (services) {
+    services->Tell(Hint::ElementName, '"' + std::string(name) + "\" is no name of an element: \"" +
+                                          valid + "\" is written");
+  }
+  return valid;
 }
 
 void AppendElement(std::string& xml, std::string_view name, std::string_view text) {

@@ -17,6 +17,9 @@ void AppendAttribute(std::string& xml, std::string_view name, std::string_view t
 // becomes '_'.
 void AppendName(std::string& xml, std::string_view name);
 
+// The name as AppendName writes it, for a driver: the observer hears of a name that is none.
+std::string NameForDriver(std::string_view name);
+
 // Appends `<name>text</name>`, or `<name/>` for an empty text.
 void AppendElement(std::string& xml, std::string_view name, std::string_view text);
 

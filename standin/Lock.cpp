@@ -1,0 +1,7 @@
+#include "standin/Lock.h"
+
+namespace standin {
+
+std::recursive_mutex Lock::s_Mutex;
+
+}  // namespace standin
