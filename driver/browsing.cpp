@@ -2,20 +2,14 @@
 #include "host/TqXML.h"
 #include "host/XmlHelper.h"
 
-#include <utility>
-
-// The held document is replaced only when the new one is complete, together with the pointer to its
-// items.
+// From the moment the old document goes there are no items until the new one's element is there.
 void media::NewDocument(const std::string& name, std::initializer_list<NamedValue> values) {
-  auto node = TqXML::CreateXmlNode();
-  TqXML::INode* items = nullptr;
-  if (node) {
-    node->SetNameValue(name, "");
-    AddValues(*node, values);
-    items = XmlHelper::AddChild(*node, "items", "");
-  }
-  m_ListNode = std::move(node);
-  m_ListItemsNode = items;
+  m_ListNode = TqXML::CreateXmlNode();
+  m_ListItemsNode = nullptr;
+  if (!m_ListNode) return;
+  m_ListNode->SetNameValue(name, "");
+  AddValues(*m_ListNode, values);
+  m_ListItemsNode = XmlHelper::AddChild(*m_ListNode, "items", "");
 }
 
 void media::OnNtfNewMenu(const IBindMessage& msg) {

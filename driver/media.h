@@ -138,7 +138,7 @@ class media : public TqBaseProxyDriver {
   FlexMode m_MediaLabels;
 
   // The menu or list that is being put together, or the last one. The items' element belongs to it
-  // and is null until the first header.
+  // and is null until the first header, and after one whose making failed part-way.
   tq::auto_com<TqXML::INode> m_ListNode;
   TqXML::INode* m_ListItemsNode = nullptr;
 
