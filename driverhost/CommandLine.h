@@ -1,7 +1,7 @@
 #pragma once
 
-#include "driverhost/Check.h"
-#include "driverhost/Replay.h"
+#include "driverhost/check/CheckOptions.h"
+#include "driverhost/replay/Replay.h"
 
 #include <boost/asio/ip/tcp.hpp>
 
@@ -11,25 +11,26 @@
 
 namespace driverhost {
 
-enum class Command { Replay, Live, Check };
-
 // What the command line asks for.
 struct CommandLine {
+  enum class Command { Replay, Live, Check };
+
   Command command = Command::Replay;
-  std::string driver;
+  DriverProcessOptions process;  // without an image root
   std::string session;
   std::vector<std::string> player;  // with its arguments; empty: none
   std::string record;               // empty: nowhere
+  bool overwrite = false;           // the record, if it exists
   std::string imageRoot;            // empty: a temporary one
   std::string page;                 // the folder with the page's files
   std::optional<boost::asio::ip::tcp::endpoint> http;
-  unsigned long id = 1;
-  double timeout = 10;  // seconds for a call into the driver, 0 for ever
+  bool httpNotify = false;
+  double timeout = -1;  // seconds for a call into the driver, 0 for ever
   bool json = false;
   bool quiet = false;
-  bool asCase = false;
   bool full = false;
   bool strict = false;
+  bool trace = false;
   ReplayOptions replay;
   CheckOptions check;
 };

@@ -1,25 +1,26 @@
-#include "driverhost/CallGuard.h"
-#include "driverhost/Check.h"
 #include "driverhost/CommandLine.h"
-#include "driverhost/Hints.h"
-#include "driverhost/ImageRoot.h"
-#include "driverhost/Interrupt.h"
-#include "driverhost/Legible.h"
-#include "driverhost/Life.h"
-#include "driverhost/Live.h"
-#include "driverhost/Output.h"
-#include "driverhost/Printers.h"
-#include "driverhost/Progress.h"
-#include "driverhost/Recorder.h"
-#include "driverhost/Replay.h"
-#include "driverhost/Serving.h"
-#include "driverhost/Session.h"
-#include "driverhost/Summary.h"
-#include "driverhost/Terminal.h"
-#include "driverhost/Traffic.h"
-#include "driverhost/Verdict.h"
+#include "driverhost/check/Check.h"
+#include "driverhost/io/Guardian.h"
+#include "driverhost/io/ImageRoot.h"
+#include "driverhost/io/Interrupt.h"
+#include "driverhost/io/Loop.h"
+#include "driverhost/io/Output.h"
+#include "driverhost/io/Terminal.h"
+#include "driverhost/live/Live.h"
+#include "driverhost/replay/Replay.h"
+#include "driverhost/replay/Session.h"
+#include "driverhost/report/Hints.h"
+#include "driverhost/report/Printers.h"
+#include "driverhost/report/Progress.h"
+#include "driverhost/report/Recorder.h"
+#include "driverhost/report/Summary.h"
+#include "driverhost/run/DriverRun.h"
+#include "driverhost/run/PlayerBindings.h"
+#include "driverhost/web/Page.h"
+#include "session/Legible.h"
 
 #include <fcntl.h>
+#include <malloc.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -28,7 +29,6 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
-#include <ctime>
 #include <memory>
 #include <optional>
 #include <string>
@@ -38,121 +38,109 @@ namespace {
 using namespace driverhost;
 using Clock = std::chrono::steady_clock;
 
-std::unique_ptr<TrafficSink> MakePrinter(const CommandLine& line, Output& output) {
-  if (line.asCase) return std::make_unique<CasePrinter>(output);
-  if (line.json && !line.quiet) return std::make_unique<JsonPrinter>(output);
+std::unique_ptr<TrafficSink> MakePrinter(const CommandLine& line, Console& console) {
+  if (line.replay.asCase) return std::make_unique<CasePrinter>(console);
+  if (line.json && !line.quiet) return std::make_unique<JsonPrinter>(console, line.trace);
   if (line.quiet && isatty(STDERR_FILENO) == 1) return std::make_unique<Progress>();
   if (line.quiet) return std::make_unique<TrafficSink>();
   const TextPrinter::Style style{line.full ? 0 : TerminalColumns(), TakesColours()};
-  return std::make_unique<TextPrinter>(output, style);
-}
-
-// Clock runs as CLOCK_MONOTONIC does. A signal that asks the program to stop ends the sleep.
-bool SleepUntil(Clock::time_point time) {
-  using namespace std::chrono;
-  const auto since = duration_cast<nanoseconds>(time.time_since_epoch()).count();
-  const timespec until{static_cast<time_t>(since / 1000000000),
-                       static_cast<long>(since % 1000000000)};
-  while (Interrupted() == 0 &&
-         clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &until, nullptr) == EINTR) {
-  }
-  return Interrupted() == 0;
+  return std::make_unique<TextPrinter>(console, style);
 }
 
 // Whoever closes the pipe has seen enough; that is no failure.
-void CheckOutput(const Output& output, Verdict& verdict) {
-  const int error = output.Error();
+void CheckOutput(const Console& console, Verdict& verdict) {
+  const int error = console.Error();
   if (error == 0 || error == EPIPE) return;
-  verdict.Fail(s_Failed,
+  verdict.Fail(s_DriverFailed,
                std::string("driverhost: cannot write to standard output: ") + std::strerror(error));
 }
 
 // A driver with all that watches it, as a session and a live player need it.
 struct Bench {
-  explicit Bench(const CommandLine& commandLine);
+  Bench(const CommandLine& commandLine, Loop& loop, Console& theConsole);
 
-  // Ends the program's output with what the life came to. Returns the exit status.
-  int Close(unsigned long lines, double seconds, const std::string& about);
+  // Where a page is asked for.
+  void Serve(std::optional<Page>& page, Loop& loop, Page::Deliver deliver);
+
+  // Ends the program's output with what the run came to. Returns the exit status.
+  int Close(unsigned long lines, const std::string& about);
 
   const CommandLine& line;
-  Output output;
-  standin::Plugin plugin;
+  Console& console;
   ImageRoot imageRoot{line.imageRoot};
-  Verdict verdict{"driverhost", output};
+  DriverProcessOptions process = line.process;
+  std::unique_ptr<TrafficSink> printer = MakePrinter(line, console);
+  PlayerBindings bindings;
+  Hints hints{console, line.player.empty() ? nullptr : &bindings};
   Traffic traffic;
-  LifeOptions options{imageRoot.Path(), line.id};
-  Life life{options, plugin, traffic, output, verdict};
-  std::unique_ptr<TrafficSink> printer = MakePrinter(line, output);
-  Hints hints{life, output, !line.player.empty()};
-  std::optional<HttpOptions> http;
+  Verdict verdict{"driverhost", console};
+  std::function<void()> onProgress = [] {};
+  DriverRun run;
+  const Clock::time_point began = Clock::now();
 };
 
-// A driver may misbehave even while it is loaded.
-const std::string& Guarded(const CommandLine& line, Output& output) {
-  CallGuard::Install(output, line.timeout);
-  return line.driver;
-}
-
-Bench::Bench(const CommandLine& commandLine)
-    : line(commandLine), plugin(Guarded(commandLine, output)) {
+Bench::Bench(const CommandLine& commandLine, Loop& loop, Console& theConsole)
+    : line(commandLine),
+      console(theConsole),
+      run(loop, process, line.timeout, traffic, verdict, console, [this] { onProgress(); }) {
+  process.imageRoot = imageRoot.Path();
   traffic.Add(*printer);
+  traffic.Add(bindings);
   traffic.Add(hints);
-  if (line.http) http = HttpOptions{*line.http, line.page, imageRoot.Path()};
 }
 
-int Bench::Close(unsigned long lines, double seconds, const std::string& about) {
-  printer.reset();
-  CheckOutput(output, verdict);
-  if (line.strict && hints.Serious()) verdict.Fail(s_Failed, "driverhost: there were hints");
-  if (output.Error() == EPIPE) return verdict.Status();
-  std::string closing = Interrupted() != 0 ? "interrupted: " : "";
-  closing += SummaryText(lines, life, traffic, seconds) + about;
-  if (imageRoot.Keep()) closing += "pictures below " + imageRoot.Path() + '\n';
-  std::fputs(closing.c_str(), stderr);
+void Bench::Serve(std::optional<Page>& page, Loop& loop, Page::Deliver deliver) {
+  if (!line.http) return;
+  page.emplace(loop, WebOptions{*line.http, line.page, imageRoot.Path()}, line.httpNotify, console,
+               std::move(deliver));
+  traffic.Add(*page);
+}
+
+int Bench::Close(unsigned long lines, const std::string& about) {
+  const double seconds = std::chrono::duration<double>(Clock::now() - began).count();
+  console.Flush();
+  CheckOutput(console, verdict);
+  if (line.strict && hints.Serious()) verdict.Fail(s_DriverFailed, "driverhost: there were hints");
+  const bool used = imageRoot.KeepIfUsed();
+  if (console.Error() == EPIPE) return verdict.Status();
+  console.Tell((Interrupted() != 0 ? "interrupted: " : "") +
+               SummaryText(lines, run, traffic, seconds) + about +
+               (used ? "\npictures below " + imageRoot.Path() : ""));
   return verdict.Status();
 }
 
-double SecondsSince(Clock::time_point time) {
-  return std::chrono::duration<double>(Clock::now() - time).count();
-}
-
-int RunReplay(const CommandLine& line, int interrupt) {
-  Session session(line.session);
-  Bench bench(line);
-  const auto comment = [&](std::string_view text) {
-    if (line.asCase) bench.output.Write(std::string(text) + '\n');
-  };
-  std::optional<Serving> serving;
-  if (bench.http) {
-    serving.emplace(*bench.http, interrupt, bench.life, bench.traffic, bench.verdict);
-    session.WaitBeforeReading([&](int descriptor) { return serving->UntilReadable(descriptor); });
-  }
-  const auto wait = [&](Clock::time_point time) {
-    return serving ? serving->Until(time) : SleepUntil(time);
-  };
-  Replay replay(line.replay, session, bench.life, bench.output, bench.verdict, wait, comment);
-  const auto began = Clock::now();
+int RunReplay(const CommandLine& line, Loop& loop, Console& console) {
+  Session session(line.session, loop);
+  Bench bench(line, loop, console);
+  Replay replay(line.replay, session, loop, bench.run, console, bench.verdict);
+  std::optional<Page> page;
+  bench.Serve(page, loop, [&](Step step) {
+    step.number = replay.LastStep();
+    bench.run.Deliver(std::move(step));
+    return bench.run.TakesLines();
+  });
   replay.Run();
-  const double seconds = SecondsSince(began);
-  const bool rounds = line.replay.repeat > 1;
-  return bench.Close(replay.Lines(), seconds, rounds ? MemoryText(bench.life) : "");
+  return bench.Close(replay.Lines(), line.replay.repeat > 1 ? '\n' + MemoryText(bench.run) : "");
 }
 
-int RunLive(const CommandLine& line, int interrupt) {
-  Bench bench(line);
+int RunLive(const CommandLine& line, Loop& loop, Console& console) {
+  Bench bench(line, loop, console);
   std::optional<Recorder> recorder;
-  if (!line.record.empty()) bench.traffic.Add(recorder.emplace(line.record));
-  Live live(line.player, bench.http, interrupt, bench.life, bench.traffic, bench.output,
-            bench.verdict);
-  const auto began = Clock::now();
-  live.Run();
-  const double seconds = SecondsSince(began);
+  Live live(line.player, bench.bindings, line.http.has_value(), loop, bench.run, bench.traffic,
+            console, bench.verdict);
+  bench.onProgress = [&live] { live.Resume(); };
+  std::optional<Page> page;
+  bench.Serve(page, loop, [&](Step step) {
+    live.Deliver(std::move(step));
+    return bench.run.TakesLines();
+  });
+  live.Run([&] {
+    if (line.record.empty()) return;
+    const auto onFailure = [&live](const std::string& why) { live.Fail(why); };
+    bench.traffic.Add(recorder.emplace(line.record, line.overwrite, onFailure));
+  });
   ForgetInterrupt();
-  if (recorder && recorder->Error() != 0) {
-    bench.verdict.Fail(s_Failed, "driverhost: cannot write " + line.record + ": " +
-                                     std::strerror(recorder->Error()));
-  }
-  return bench.Close(live.Steps(), seconds, "");
+  return bench.Close(live.Steps(), "");
 }
 
 // A file that took the place of a closed standard descriptor would be mixed up with it.
@@ -163,30 +151,40 @@ void OpenStandardDescriptors() {
 }
 
 int Run(int argc, char** argv) {
-  int status = s_Ran;
+  int status = s_AllWell;
   std::optional<CommandLine> line = ReadCommandLine(argc, argv, status);
   if (!line) return status;
   std::setlocale(LC_CTYPE, "C.UTF-8");  // for the widths of characters
   std::signal(SIGPIPE, SIG_IGN);
-  const int interrupt = CatchInterrupts();
-  if (line->command == Command::Replay) return RunReplay(*line, interrupt);
-  if (line->command == Command::Live) return RunLive(*line, interrupt);
-  line->check.coloured = TakesColours();
-  return RunCheck(line->check);
+  mallopt(M_MMAP_THRESHOLD, 128 << 10);  // what was large goes back to the system at once
+  StartGuardian();
+  CatchInterrupts();
+  Loop loop;
+  StandardConsole console;
+  switch (line->command) {
+    case CommandLine::Command::Replay:
+      return RunReplay(*line, loop, console);
+    case CommandLine::Command::Live:
+      return RunLive(*line, loop, console);
+    case CommandLine::Command::Check:
+      line->check.coloured = TakesColours();
+      return RunCheck(line->check, loop, console);
+  }
+  return status;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  int status = s_Failed;
+  int status = s_DriverFailed;
   try {
     OpenStandardDescriptors();
     status = Run(argc, argv);
   } catch (const SessionError& error) {
     std::fprintf(stderr, "%s\n", error.what());
-    status = s_Wrong;
+    status = s_InputWrong;
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "driverhost: %s\n", Legible(error.what(), 1000).c_str());
+    std::fprintf(stderr, "driverhost: %s\n", session::Legible(error.what(), 1000).c_str());
   }
   if (Interrupted() != 0) EndByInterrupt();
   return status;

@@ -1,0 +1,96 @@
+#include "driverhost/web/Page.h"
+
+#include "driverhost/report/Trace.h"
+
+#include <memory>
+#include <stdexcept>
+#include <string_view>
+#include <utility>
+#include <variant>
+
+namespace driverhost {
+
+namespace {
+
+using Result = LineAnswer::Result;
+
+constexpr std::size_t s_MostCaused = std::size_t{16} << 20U;
+
+// The one line that a client sends, without the line break that may end it.
+std::string_view LineOf(std::string_view body) {
+  if (body.ends_with('\n')) body.remove_suffix(1);
+  if (body.ends_with('\r')) body.remove_suffix(1);
+  if (body.find('\n') != std::string_view::npos) throw std::runtime_error("more than one line");
+  return body;
+}
+
+}  // namespace
+
+Page::Page(Loop& loop, const WebOptions& options, bool notify, Console& console, Deliver deliver)
+    : m_Notify(notify),
+      m_Deliver(std::move(deliver)),
+      m_ToLoop(loop.Context()),
+      m_Server(options, [this](const std::string& line, Done done) {
+        const auto step = std::make_shared<Step>();
+        if (auto refusal = Refusal(line, *step)) return done(std::move(*refusal));
+        m_ToLoop.Post([this, step, done = std::move(done)] { Take(std::move(*step), done); });
+      }) {
+  console.Tell("driverhost: the page is at " + m_Server.Url());
+}
+
+void Page::OnStep(const Step& step) {
+  if (!step.text.empty()) m_Server.Send(TraceOf(step), {});
+}
+
+void Page::OnRegistered(const std::vector<std::string>& registered) {
+  m_Server.SetRegistered(registered);
+}
+
+void Page::OnRecord(const Step& step, const session::Record& record) {
+  m_Server.Send(TraceOf(step, record), {});
+  if (!m_Done || step.from != From::Page || m_IsTooLong) return;
+  m_IsTooLong = m_Caused.size() + record.Json().size() > s_MostCaused;
+  if (m_IsTooLong) return m_Caused.clear();
+  m_Caused += (m_Caused.empty() ? "" : ",") + record.JsonOf(step.number);
+}
+
+void Page::OnStepEnd(const Step& step, const Reads&) {
+  if (step.from != From::Page) return;
+  if (m_IsTooLong)
+    return Answer({Result::Unavailable, "the answer is too long; the traffic has it"});
+  Answer({Result::Done, '[' + m_Caused + ']'});
+}
+
+void Page::OnEnd() { Answer({Result::Unavailable, "the driver has ended"}); }
+
+void Page::Answer(LineAnswer answer) {
+  m_IsTooLong = false;
+  m_Caused.clear();
+  if (const Done done = std::exchange(m_Done, {})) done(std::move(answer));
+}
+
+bool Page::IsAllowed(const Step& step) const {
+  const session::Action& action = step.line.action;
+  return std::holds_alternative<session::Command>(action) ||
+         std::holds_alternative<session::Request>(action) ||
+         (m_Notify && std::holds_alternative<session::Notify>(action));
+}
+
+std::optional<LineAnswer> Page::Refusal(const std::string& line, Step& step) const {
+  try {
+    step = ReadStep({0, LineOf(line), false}, From::Page, "page", nullptr);
+  } catch (const std::runtime_error& error) {
+    return LineAnswer{Result::Wrong, error.what()};
+  }
+  if (IsAllowed(step)) return std::nullopt;
+  return LineAnswer{Result::Forbidden,
+                    m_Notify ? "only commands, requests and notifications are taken here"
+                             : "only commands and requests are taken here"};
+}
+
+void Page::Take(Step step, Done done) {
+  m_Done = std::move(done);
+  if (!m_Deliver(std::move(step))) Answer({Result::Unavailable, "the program is ending"});
+}
+
+}  // namespace driverhost
