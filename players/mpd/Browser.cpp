@@ -1,172 +1,71 @@
 #include "players/mpd/Browser.h"
 
+#include "players/mpd/Id.h"
 #include "players/mpd/SessionLine.h"
 
 #include <algorithm>
 #include <memory>
-#include <stdexcept>
-#include <tuple>
 #include <utility>
 
 namespace mpdplayer {
 
-namespace {
-
-// MPD ends connections whose answer fills its memory; more matches than this are not counted.
-constexpr char s_SearchWindow[] = " window 0:10000";
-
-constexpr char s_NoSuchId[] = "ID names nothing that is here";
-
-// A kind that ends in a colon is followed by the command's argument.
-struct Row {
-  const char* kind;
-  const char* title;
-  const char* command;
-  const char* tag;
-};
-constexpr Row s_Rows[] = {
-    {"artists", "Artists", "list artist", "Artist"},
-    {"albums", "Albums", "list album", "Album"},
-    {"folders", "Folders", "lsinfo", ""},
-    {"playlists", "Playlists", "listplaylists", ""},
-    {"artist:", "", "list album artist ", "Album"},
-    {"album:", "", "find album ", ""},
-    {"folder:", "", "lsinfo ", ""},
-    {"playlist:", "", "listplaylistinfo ", ""},
-};
-
-// The kind with its colon, and what follows it.
-std::pair<std::string, std::string> Split(const std::string& id) {
-  const std::size_t end = std::min(id.find(':'), id.size() - 1) + 1;
-  return {id.substr(0, end), id.substr(end)};
-}
-
-// An artist within an id, where a slash follows.
-std::string Escaped(const std::string& artist) {
-  std::string escaped;
-  for (const char c : artist) {
-    if (c == '%') {
-      escaped += "%25";
-    } else if (c == '/') {
-      escaped += "%2F";
-    } else {
-      escaped += c;
-    }
-  }
-  return escaped;
-}
-
-std::string Unescaped(std::string artist) {
-  for (std::size_t at = 0; (at = artist.find('%', at)) != std::string::npos; ++at) {
-    artist.replace(at, 3, artist.compare(at, 3, "%2F") == 0 ? "/" : "%");
-  }
-  return artist;
-}
-
-}  // namespace
-
 void Browser::Menu() {
   static const std::vector<ItemTexts> items = {
-      {"artists", "list", "Artists"}, {"albums", "list", "Albums"},
+      {"artists", "list", "Artists"}, {"album-artists", "list", "Album artists"},
+      {"albums", "list", "Albums"},   {"genres", "list", "Genres"},
+      {"years", "list", "Years"},     {"recent", "list", "Recently added"},
       {"folders", "list", "Folders"}, {"playlists", "list", "Playlists"},
-      {"queue", "list", "Queue"},     {"search", "search", "Search"},
+      {"queue", "list", "Queue"},     {"outputs", "list", "Outputs"},
+      {"search", "search", "Search"},
   };
   m_Output.Say(NotifyLine(
       "NEW_MENU", {{"title", "Music player"}, {"num_items", std::to_string(items.size())}}));
   TellItems(m_Output, "ADD_MENU_ITEM", items);
 }
 
-void Browser::Browse(const std::string& id, Window window, Refused refused) {
-  if (id == "queue") return BrowseQueue(window, std::move(refused));
-  const auto [kind, value] = Split(id);
-  if (kind == "album-of:") {
-    const std::size_t slash = value.find('/');
-    if (slash == std::string::npos) throw std::invalid_argument(s_NoSuchId);
-    const std::string album = value.substr(slash + 1);
-    const std::string command =
-        "find artist " + Argument(Unescaped(value.substr(0, slash))) + " album " + Argument(album);
-    return List(command, {Named(album), "", "", {}}, window, std::move(refused));
+void Browser::Browse(const std::string& id, Window window, Ended ended) {
+  const auto [kind, value] = SplitId(id);
+  if (Actions::IsAction(id)) {
+    const char* const changed = kind == "output:" ? "outputs" : "queue";
+    return m_Actions.Do(id, [this, changed, window, ended](const Outcome& outcome) {
+      if (!outcome.Done()) return ended(outcome);
+      List(Shelf(changed), window, ended);
+    });
   }
-  for (const Row& row : s_Rows) {
-    if (kind != row.kind) continue;
-    if (kind.back() != ':') {
-      return List(row.command, {row.title, row.tag, kind.substr(0, kind.size() - 1) + ':', {}},
-                  window, std::move(refused));
-    }
-    const std::string title = kind == "folder:" ? LastName(value) : Named(value);
-    return List(row.command + Argument(value),
-                {title, row.tag, "album-of:" + Escaped(value) + '/', {}}, window,
-                std::move(refused));
+  const bool song = kind == "song:" || kind == "track:" || kind == "queue:";
+  if (kind == "actions:" || song) {
+    const std::string& subject = song ? id : value;
+    const std::string title = song ? LastName(value) : Shelf(subject).Title();
+    Part(title, Actions::For(subject), window);
+    return ended({});
   }
-  throw std::invalid_argument(s_NoSuchId);
+  List(Shelf(id), window, std::move(ended));
 }
 
-void Browser::Search(const std::string& text, Window window, Refused refused) {
-  List("search any " + Argument(text) + s_SearchWindow, {text, "", "", {}}, window,
-       std::move(refused));
+void Browser::Part(const std::string& title, const std::vector<ItemTexts>& items, Window window) {
+  const std::size_t first = std::min(window.first, items.size());
+  const auto begin = items.begin() + static_cast<std::ptrdiff_t>(first);
+  const auto count = static_cast<std::ptrdiff_t>(std::min(window.count, items.size() - first));
+  TellList(m_Output, title, items.size(), window, {begin, begin + count});
 }
 
-void Browser::BrowseQueue(Window window, Refused refused) {
-  const std::size_t first = std::min(window.first, m_QueueLength);
-  const std::string range = std::to_string(first) + ':' + std::to_string(first + window.count);
-  List("playlistinfo " + range, {"Queue", "", "", m_QueueLength}, window, std::move(refused));
+void Browser::TellNothing(const std::string& title, Window window) {
+  TellList(m_Output, title, 0, window, {});
 }
 
-void Browser::List(const std::string& command, Listing::Kind kind, Window window, Refused refused) {
-  const auto listing = std::make_shared<Listing>(std::move(kind), window);
-  m_Link.Ask(
+// MPD refuses a part of the queue beyond its end, but says first how long it is.
+void Browser::List(Shelf shelf, Window window, Ended ended) {
+  const std::string command = shelf.List(window);
+  const auto listing = std::make_shared<Listing>(std::move(shelf), window);
+  m_Link.AskNext(
       {command,
        [listing](std::string_view name, std::string_view value) { listing->Take(name, value); },
-       [this, listing, refused = std::move(refused)](const std::string& refusal) {
-         if (!refusal.empty()) return refused(refusal);
+       [this, listing, ended = std::move(ended)](const Outcome& outcome) {
+         const bool beyond = outcome.kind == Outcome::Kind::Refused && listing->Counted();
+         if (!outcome.Done() && !beyond) return ended(outcome);
          listing->Tell(m_Output);
+         ended({});
        }});
-}
-
-void Browser::Play(const std::string& id, const Refused& refused) {
-  const auto [kind, value] = Split(id);
-  std::string position;
-  std::string uri = value;
-  if (kind == "queue:") std::tie(position, uri) = Split(value);
-  if ((kind != "song:" && kind != "queue:") || uri.empty()) {
-    throw std::invalid_argument("ID must be a song's");
-  }
-  struct Found {
-    std::string id;
-    std::string position;
-    bool exact = false;
-  };
-  const auto found = std::make_shared<Found>();
-  m_Link.Ask({"playlistfind file " + Argument(uri),
-              [found, position](std::string_view name, std::string_view text) {
-                if (name == "Pos") found->position = std::string(text) + ':';
-                if (name != "Id" || found->exact) return;
-                found->exact = found->position == position;
-                if (found->exact || found->id.empty()) found->id = text;
-              },
-              [this, found, uri, refused](const std::string& refusal) {
-                if (!refusal.empty()) return refused(refusal);
-                if (found->id.empty()) return Add(uri, refused);
-                PlayId(found->id, refused);
-              }});
-}
-
-void Browser::Add(const std::string& uri, const Refused& refused) {
-  const auto added = std::make_shared<std::string>();
-  m_Link.Ask({"addid " + Argument(uri),
-              [added](std::string_view name, std::string_view value) {
-                if (name == "Id") *added = value;
-              },
-              [this, added, refused](const std::string& refusal) {
-                if (!refusal.empty()) return refused(refusal);
-                PlayId(*added, refused);
-              }});
-}
-
-void Browser::PlayId(const std::string& id, const Refused& refused) {
-  m_Link.Ask({"playid " + Argument(id), {}, [refused](const std::string& refusal) {
-                if (!refusal.empty()) refused(refusal);
-              }});
 }
 
 }  // namespace mpdplayer

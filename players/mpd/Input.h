@@ -1,5 +1,7 @@
 #pragma once
 
+#include "players/mpd/Watch.h"
+
 #include <functional>
 #include <string>
 
@@ -8,18 +10,23 @@ namespace mpdplayer {
 // Lines from a descriptor, of a bounded length: a longer one is complained about and skipped.
 class Input {
  public:
-  using LineHandler = std::function<void(const std::string& line)>;
+  struct Handlers {
+    std::function<void(const std::string& line)> onLine;
+    std::function<void()> onEnd;
+    std::function<void(std::function<void()> go)> pace;  // calls `go` when more can be taken
+  };
 
-  Input(int fd, LineHandler onLine) : m_Fd(fd), m_OnLine(std::move(onLine)) {}
+  Input(boost::asio::io_context& loop, int fd, Handlers handlers);
 
-  // Reads once; to be called when poll says that there is something. False at the input's end.
-  bool Read();
+  void Start();
 
  private:
+  void Read();
   void TakeLines();
 
   int m_Fd;
-  LineHandler m_OnLine;
+  Handlers m_Handlers;
+  Watch m_Watch;
   std::string m_Buffer;
   bool m_Skipping = false;
 };

@@ -1,59 +1,108 @@
 #include "players/mpd/Listing.h"
 
+#include "players/mpd/Id.h"
 #include "players/mpd/SessionLine.h"
 
 #include <algorithm>
+#include <charconv>
 #include <utility>
 
 namespace mpdplayer {
 
-Listing::Listing(Kind kind, Window window)
-    : m_Kind(std::move(kind)),
-      m_Window(window),
-      m_Count(std::min(window.first, m_Kind.queueLength.value_or(0))) {}
+namespace {
+
+// Between a title or an album and its artist.
+constexpr char s_By[] = " – ";
+
+const char* TypeOfTag(std::string_view tag) {
+  if (tag == "Album") return "album";
+  if (tag == "Genre") return "genre";
+  return tag == "Date" ? "year" : "artist";
+}
+
+}  // namespace
 
 void Listing::Take(std::string_view name, std::string_view value) {
   static constexpr struct {
     std::string_view name;
     const char* type;
-  } rows[] = {{"file", "song"}, {"directory", "folder"}, {"playlist", "playlist"}};
-  if (name == m_Kind.tag) return Start(name == "Artist" ? "artist" : "album", value);
+  } rows[] = {
+      {"file", "song"}, {"directory", "folder"}, {"playlist", "playlist"}, {"outputid", "output"}};
+  if (m_Shelf.Windowed() && !m_Total) return TakeTotal(name, value);
+  if (name == m_Shelf.Tag())
+    return Start(TypeOfTag(name), value.substr(0, name == "Date" ? 4 : std::string_view::npos));
+  if (m_Shelf.Tag() == "Album" && name == "AlbumArtist") m_AlbumArtist = value;
   for (const auto& row : rows) {
     if (name == row.name) Start(row.type, value);
   }
-  if (m_InWindow) m_Items.back().song.Take(name, value);
+  if (m_Kept) m_Items.back().song.Take(name, value);
 }
 
-void Listing::Start(std::string type, std::string_view value) {
-  m_InWindow = m_Count >= m_Window.first && m_Count - m_Window.first < m_Window.count;
+void Listing::TakeTotal(std::string_view name, std::string_view value) {
+  if (name != "songs" && name != "playlistlength") return;
+  std::size_t total = 0;
+  std::from_chars(value.data(), value.data() + value.size(), total);
+  m_Total = total;
+  m_Count = std::min(m_Shelf.Skipped(m_Window), total);
+}
+
+// Dates that share their year come one after the other.
+void Listing::Start(const char* type, std::string_view value) {
+  if (m_Shelf.Tag() == "Date" && m_Count > 0 && value == m_Last) return;
+  m_Last = value;
+  m_Kept = InWindow(m_Shelf.Head().size() + m_Count);
+  if (m_Kept) m_Items.push_back({type, std::string(value), m_AlbumArtist, {}, m_Count});
   ++m_Count;
-  if (m_InWindow) m_Items.push_back({std::move(type), std::string(value), {}});
+}
+
+bool Listing::InWindow(std::size_t place) const {
+  return place >= m_Window.first && place - m_Window.first < m_Window.count;
+}
+
+std::size_t Listing::Total() const {
+  const std::size_t total = m_Total.value_or(m_Count);
+  return total == 0 ? 0 : total + m_Shelf.Head().size();
 }
 
 std::string Listing::IdOf(const Item& item) const {
-  if (!m_Kind.tag.empty()) return m_Kind.itemKind + item.value;
-  const std::string place = m_Kind.queueLength ? "queue:" + item.song.position : item.type;
-  return place + ':' + item.value;
+  if (item.type == "album") return AlbumId(item.albumArtist, item.value);
+  if (!m_Shelf.Tag().empty()) return m_Shelf.ItemKind() + item.value;
+  if (!item.song.position.empty())
+    return QueueId({item.song.position, item.song.range, item.value});
+  if (!item.song.range.empty()) {
+    return "track:" + std::to_string(item.place) + ':' + m_Shelf.Playlist();
+  }
+  return item.type + ':' + item.value;
 }
 
-std::string Listing::TextOf(const Item& item) {
-  if (item.type == "song") return item.song.Text();
-  if (item.type == "folder") return LastName(item.value);
-  return Named(item.value);
+std::string Listing::TextOf(const Item& item) const {
+  const Song& song = item.song;
+  if (item.type == "output") return song.output + (song.enabled == "1" ? " (on)" : " (off)");
+  if (item.type == "folder" || item.type == "playlist") return LastName(item.value);
+  const std::string text = item.type == "song" ? song.Text() : Named(item.value);
+  const std::string& artist = item.type == "song" ? song.artist : item.albumArtist;
+  return artist.empty() || artist == m_Shelf.Artist() ? text : text + s_By + artist;
+}
+
+void Listing::Tell(Output& output) const {
+  std::vector<ItemTexts> items;
+  const std::size_t total = Total();
+  for (std::size_t place = 0; total > 0 && place < m_Shelf.Head().size(); ++place) {
+    if (InWindow(place)) items.push_back(m_Shelf.Head()[place]);
+  }
+  for (const Item& item : m_Items) items.push_back({IdOf(item), item.type, TextOf(item)});
+  TellList(output, m_Shelf.Title(), total, m_Window, items);
 }
 
 // The driver passes a list on with its last item, so an empty list needs an item, too.
-void Listing::Tell(Output& output) const {
-  const std::size_t total = std::max(m_Count, m_Kind.queueLength.value_or(0));
-  output.Say(NotifyLine("NEW_LIST", {{"title", m_Kind.title},
+void TellList(Output& output, const std::string& title, std::size_t total, Window window,
+              const std::vector<ItemTexts>& items) {
+  output.Say(NotifyLine("NEW_LIST", {{"title", title},
                                      {"total_items", std::to_string(total)},
-                                     {"num_items", std::to_string(m_Items.size())},
-                                     {"first", std::to_string(m_Window.first)},
-                                     {"clear", m_Window.first == 0 ? "True" : "False"}}));
-  std::vector<ItemTexts> items;
-  for (const Item& item : m_Items) items.push_back({IdOf(item), item.type, TextOf(item)});
-  if (total == 0) items.push_back({"", "none", "Nothing found"});
-  TellItems(output, "ADD_LIST_ITEM", items);
+                                     {"num_items", std::to_string(items.size())},
+                                     {"first", std::to_string(window.first)},
+                                     {"clear", window.first == 0 ? "True" : "False"}}));
+  TellItems(output, "ADD_LIST_ITEM", items.empty() ? std::vector<ItemTexts>{{}} : items);
 }
 
 void TellItems(Output& output, const std::string& notification,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "players/mpd/Output.h"
+#include "players/mpd/Shelf.h"
 #include "players/mpd/Song.h"
 
 #include <cstddef>
@@ -11,25 +12,15 @@
 
 namespace mpdplayer {
 
-// The part of a list that was asked for.
-struct Window {
-  std::size_t first = 0;
-  std::size_t count = 100;
-};
-
 // A list on its way from MPD's answer to the driver: counts all items, keeps those in the window.
 class Listing {
  public:
-  struct Kind {
-    std::string title;
-    std::string tag;                         // each value of this tag is an item, too
-    std::string itemKind;                    // what the ids of such items start with
-    std::optional<std::size_t> queueLength;  // for the queue, whose answer starts at the window
-  };
-
-  Listing(Kind kind, Window window);
+  Listing(Shelf shelf, Window window) : m_Shelf(std::move(shelf)), m_Window(window) {}
 
   void Take(std::string_view name, std::string_view value);
+
+  // Whether MPD has said all that it has to say, even when it refuses the rest.
+  bool Counted() const { return m_Total.has_value(); }
 
   void Tell(Output& output) const;
 
@@ -37,26 +28,33 @@ class Listing {
   struct Item {
     std::string type;
     std::string value;
+    std::string albumArtist;
     Song song;
+    std::size_t place = 0;
   };
 
-  void Start(std::string type, std::string_view value);
+  void TakeTotal(std::string_view name, std::string_view value);
+  void TakeOutput(std::string_view name, std::string_view value);
+  void Start(const char* type, std::string_view value);
+  bool InWindow(std::size_t place) const;
+  std::size_t Total() const;
+  ItemTexts TextsOf(const Item& item) const;
   std::string IdOf(const Item& item) const;
-  static std::string TextOf(const Item& item);
+  std::string TextOf(const Item& item) const;
 
-  Kind m_Kind;
+  Shelf m_Shelf;
   Window m_Window;
-  std::size_t m_Count;
+  std::optional<std::size_t> m_Total;  // as MPD says
+  std::size_t m_Count = 0;             // of MPD's items
+  std::string m_AlbumArtist;           // of the albums that follow
+  std::string m_Last;                  // the value of the last item
   std::vector<Item> m_Items;
-  bool m_InWindow = false;
+  bool m_Kept = false;  // whether the item that MPD speaks of is in m_Items
 };
 
-// Sends the items of a menu or a list, which the driver passes on with the last one.
-struct ItemTexts {
-  std::string id;
-  std::string type;
-  std::string text;
-};
+// Sends a list, or a menu's or list's items, which the driver passes on with the last one.
+void TellList(Output& output, const std::string& title, std::size_t total, Window window,
+              const std::vector<ItemTexts>& items);
 void TellItems(Output& output, const std::string& notification,
                const std::vector<ItemTexts>& items);
 

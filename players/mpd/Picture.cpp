@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <memory>
 #include <string_view>
+#include <utility>
 
 namespace mpdplayer {
 
@@ -14,6 +15,7 @@ namespace {
 
 constexpr std::int64_t s_MostPixels = 32'000'000;
 constexpr std::chrono::seconds s_LongestDecoding{3};
+constexpr int s_LargestIcon = 32;  // pixels, as tags of music have icons
 constexpr char s_Jpeg[] = "jpeg";
 
 struct Unref {
@@ -34,11 +36,9 @@ const char* TypeOf(std::string_view file) {
   static constexpr struct {
     std::string_view start;
     const char* type;
-  } rows[] = {{"\xFF\xD8\xFF", s_Jpeg},
-              {"\x89PNG", "png"},
-              {"GIF8", "gif"},
-              {"BM", "bmp"},
-              {"RIFF", "webp"}};
+  } rows[] = {
+      {"\xFF\xD8\xFF", s_Jpeg}, {"\x89PNG", "png"},     {"GIF8", "gif"},       {"BM", "bmp"},
+      {"RIFF", "webp"},         {{"II*\0", 4}, "tiff"}, {{"MM\0*", 4}, "tiff"}};
   for (const auto& row : rows) {
     if (file.substr(0, row.start.size()) == row.start) return row.type;
   }
@@ -77,6 +77,7 @@ class Decoder {
 
   int Width() const { return m_Width; }
   int Height() const { return m_Height; }
+  bool IsIcon() const { return std::max(m_Width, m_Height) <= s_LargestIcon; }
   bool Fits() const { return std::max(m_Width, m_Height) <= m_LongestSide; }
 
  private:
@@ -123,6 +124,43 @@ class Decoder {
   int m_Width = 0;
   int m_Height = 0;
 };
+
+// What a JPEG says of itself before its picture begins.
+struct JpegHeader {
+  int components = 0;
+  bool exif = false;
+};
+
+JpegHeader ReadJpegHeader(std::string_view file) {
+  const auto byte = [file](std::size_t at) { return static_cast<unsigned char>(file[at]); };
+  JpegHeader header;
+  for (std::size_t at = 2; at + 10 <= file.size() && byte(at) == 0xFF;) {
+    const unsigned marker = byte(at + 1);
+    const bool tables = marker == 0xC4 || marker == 0xC8 || marker == 0xCC;
+    if (marker >= 0xC0 && marker <= 0xCF && !tables) {
+      header.components = byte(at + 9);
+      break;
+    }
+    if (marker == 0xE1 && file.substr(at + 4, 4) == "Exif") header.exif = true;
+    at += marker == 0xFF ? 1 : 2U + byte(at + 2) * 256U + byte(at + 3);
+  }
+  return header;
+}
+
+// Whether user interfaces show the file as it is: not all know the colours of print.
+bool IsPlain(const JpegHeader& header) { return header.components == 1 || header.components == 3; }
+
+bool IsTurned(GdkPixbuf* pixels) {
+  const char* const orientation = gdk_pixbuf_get_option(pixels, "orientation");
+  return orientation && std::string_view(orientation) != "1";
+}
+
+PixbufPtr Upright(PixbufPtr pixels) {
+  if (!IsTurned(pixels.get())) return pixels;
+  PixbufPtr upright(gdk_pixbuf_apply_embedded_orientation(pixels.get()));
+  if (!upright) throw PictureError("there is no memory for it");
+  return upright;
+}
 
 // Transparent parts become white.
 PixbufPtr Opaque(PixbufPtr pixels) {
@@ -181,14 +219,20 @@ std::string RawPixels(GdkPixbuf* pixels, void (*append)(std::string&, const guch
 
 Picture MakePicture(const std::string& file, ArtFormat format, int longestSide) {
   Decoder decoder(file, longestSide);
-  if (format == ArtFormat::Jpeg && TypeOf(file) == s_Jpeg && decoder.DecodeSize() &&
-      decoder.Fits()) {
-    return {decoder.Width(), decoder.Height(), file};
+  const bool jpeg = format == ArtFormat::Jpeg && TypeOf(file) == s_Jpeg;
+  const JpegHeader header = jpeg ? ReadJpegHeader(file) : JpegHeader();
+  const bool asItIs = jpeg && IsPlain(header) && decoder.DecodeSize() && decoder.Fits();
+  if (asItIs && !header.exif) return {decoder.Width(), decoder.Height(), file, decoder.IsIcon()};
+
+  PixbufPtr pixels = decoder.Decode();
+  if (asItIs && !IsTurned(pixels.get())) {
+    return {decoder.Width(), decoder.Height(), file, decoder.IsIcon()};
   }
-  const PixbufPtr pixels = Opaque(decoder.Decode());
+  pixels = Opaque(Upright(std::move(pixels)));
   Picture picture;
   picture.width = gdk_pixbuf_get_width(pixels.get());
   picture.height = gdk_pixbuf_get_height(pixels.get());
+  picture.icon = decoder.IsIcon();
   if (format == ArtFormat::Jpeg) {
     picture.bytes = EncodeJpeg(pixels.get());
   } else {

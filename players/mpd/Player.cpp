@@ -4,11 +4,10 @@
 
 #include <nlohmann/json.hpp>
 
-#include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <climits>
+#include <chrono>
 #include <memory>
 #include <utility>
 
@@ -16,58 +15,43 @@ namespace mpdplayer {
 
 namespace {
 
-constexpr std::size_t s_MostEarly = 100;
-constexpr std::size_t s_MostWaiting = 100;
+using std::chrono::milliseconds;
 
-// Milliseconds for poll, which may wake too late but not too early.
-int Until(Clock::time_point time) {
-  if (time == Clock::time_point::max()) return -1;
-  const auto left = std::chrono::ceil<std::chrono::milliseconds>(time - Clock::now()).count();
-  return static_cast<int>(std::clamp<long long>(left, 0, INT_MAX));
-}
+// So that a MPD that hangs is noticed in time, even when it has nothing to say.
+constexpr milliseconds s_LongestLook{4000};
+constexpr milliseconds s_ShortestLook{250};
+constexpr milliseconds s_Second{1000};
 
 }  // namespace
 
-Player::Player(Link::Server server, std::string password, ArtOptions art)
-    : m_Output(STDOUT_FILENO),
-      m_Input(STDIN_FILENO, [this](const std::string& line) { OnRecord(line); }),
-      m_Reports(m_Output),
-      m_Link(std::move(server),
+Player::Player(const Server& server, std::string password, ArtOptions art)
+    : m_Output(m_Loop, STDOUT_FILENO, [this] { m_Loop.stop(); }),
+      m_Input(
+          m_Loop, STDIN_FILENO,
+          {[this](const std::string& line) { m_Commands.Obey(line); }, [this] { m_Loop.stop(); },
+           [this](std::function<void()> go) {
+             m_Link.WhenRoom([this, go = std::move(go)] { m_Output.WhenRoom(go); });
+           }}),
+      m_Link(m_Loop, server,
              {[this] { OnUp(); }, [this](const std::string& reason) { OnDown(reason); },
-              [this](std::string_view subsystem) { OnChange(subsystem); }}),
+              [this](std::string_view subsystem) { OnChange(subsystem); },
+              [this](std::function<void()> go) { m_Output.WhenRoom(std::move(go)); }}),
+      m_Volume(m_Link, [this] { AskState(); }),
+      m_Reports(m_Output, m_Volume),
       m_CoverArt(m_Link, m_Output, art),
-      m_Browser(m_Link, m_Output),
-      m_Commands(m_Link, m_Browser, [this] { Reset(); }),
+      m_Queue(m_Link),
+      m_Actions(m_Link, m_Queue),
+      m_Browser(m_Link, m_Output, m_Actions),
+      m_Commands(m_Loop,
+                 {m_Link, m_Output, m_Queue, m_Actions, m_Browser, m_Volume, [this] { Reset(); }}),
+      m_NextLook(m_Loop),
       m_Password(std::move(password)) {}
 
 void Player::Run() {
-  while (Step()) {
-  }
-  if (!m_Output.Empty()) m_Output.Write();
-}
-
-// While the output is full, nothing is done that would add to it. What MPD sends meanwhile is read
-// before its deadline counts.
-bool Player::Step() {
-  const bool full = m_Output.Full();
-  if (!full && Clock::now() >= m_Reports.NextTick()) m_Reports.Tick();
-  const bool busy = full || m_Link.Waiting() > s_MostWaiting;
-  pollfd fds[] = {{STDIN_FILENO, static_cast<short>(busy ? 0 : POLLIN), 0},
-                  {STDOUT_FILENO, static_cast<short>(m_Output.Empty() ? 0 : POLLOUT), 0},
-                  {full ? -1 : m_Link.Descriptor(), m_Link.Events(), 0}};
-  const int ready = poll(fds, std::size(fds),
-                         full ? -1 : Until(std::min(m_Link.Deadline(), m_Reports.NextTick())));
-  if (ready < 0) return true;
-
-  if ((fds[1].revents & (POLLERR | POLLNVAL)) != 0) return false;
-  if ((fds[1].revents & POLLOUT) != 0 && !m_Output.Write()) return false;
-  if (fds[2].revents != 0) {
-    m_Link.OnReady(fds[2].revents);
-  } else if (!full && Clock::now() >= m_Link.Deadline()) {
-    m_Link.OnDeadline();
-  }
-  if (fds[0].revents != 0 && (busy || !m_Input.Read())) return false;
-  return true;
+  m_Link.Start();
+  m_Input.Start();
+  m_Loop.run();
+  m_Output.Flush();
 }
 
 void Player::OnUp() {
@@ -75,17 +59,22 @@ void Player::OnUp() {
   m_Allowed.clear();
   m_Link.Ask({"commands",
               [this](std::string_view, std::string_view value) { m_Allowed.emplace(value); },
-              [](const std::string&) {}});
-  const auto ignore = [](const std::string&) {};
-  m_Link.Ask({CommandList("tagtypes clear\ntagtypes enable Artist Album Title Name"), {}, ignore});
+              [](const Outcome&) {}});
+  const auto ignore = [](const Outcome&) {};
+  m_Link.Ask({CommandList(
+                  "tagtypes clear\ntagtypes enable Artist AlbumArtist Album Title Name Date Genre"),
+              {},
+              ignore});
   m_Link.Ask({"binarylimit 131072", {}, ignore});
   m_StateAsked = false;
   AskState();
 }
 
 void Player::Password() {
-  m_Link.Ask({"password " + Argument(m_Password), {}, [](const std::string& refusal) {
-                if (!refusal.empty()) throw LinkError("the password is refused: " + refusal);
+  m_Link.Ask({"password " + Argument(m_Password), {}, [](const Outcome& outcome) {
+                if (outcome.kind == Outcome::Kind::Refused) {
+                  throw LinkError("the password is refused: " + outcome.why);
+                }
               }});
 }
 
@@ -94,21 +83,49 @@ void Player::AskState() {
   const auto state = std::make_shared<PlayerState>();
   m_Link.Ask({CommandList("status\ncurrentsong"),
               [state](std::string_view name, std::string_view value) { state->Take(name, value); },
-              [this, state](const std::string& refusal) {
+              [this, state](const Outcome& outcome) {
                 m_StateAsked = false;
-                if (!refusal.empty()) throw LinkError("the status is refused: " + refusal);
-                OnState(*state);
+                if (outcome.kind == Outcome::Kind::Refused) {
+                  throw LinkError("the status is refused: " + outcome.why);
+                }
+                if (outcome.Done()) OnState(*state);
               }});
 }
 
 void Player::OnState(const PlayerState& state) {
-  if (!std::exchange(m_Online, true)) Bind();
+  const bool wasOnline = std::exchange(m_Online, true);
+  if (!wasOnline) Bind();
   m_Reports.Say("ONLINE_STATUS_CHANGED", {{"online_status", "True"}});
-  m_Reports.Modes();
-  m_Reports.State(state);
-  m_Browser.SetQueueLength(mpd_status_get_queue_length(&state.Status()));
+  m_Reports.Settings(state.Status());
+  m_Reports.Playing(state);
+  TellChangedLists(state.Status(), wasOnline);
+  LookAgain(state.Status());
   m_CoverArt.Follow(state.Song().uri);
-  for (const std::string& record : std::exchange(m_Early, {})) m_Commands.Obey(record);
+  if (!wasOnline) m_Commands.SetOnline(true);
+}
+
+// While it plays, MPD is asked when the next second begins: only it knows how far it is.
+void Player::LookAgain(const mpd_status& status) {
+  const bool playing = mpd_status_get_state(&status) == MPD_STATE_PLAY;
+  const milliseconds elapsed(mpd_status_get_elapsed_ms(&status));
+  m_NextLook.expires_after(playing ? std::max(s_Second - elapsed % s_Second, s_ShortestLook)
+                                   : s_LongestLook);
+  m_NextLook.async_wait([this](const boost::system::error_code& error) {
+    if (error) return;
+    m_Output.WhenRoom([this] {
+      if (m_Online) AskState();
+    });
+  });
+}
+
+void Player::TellChangedLists(const mpd_status& status, bool wasOnline) {
+  const unsigned version = mpd_status_get_queue_version(&status);
+  const bool changed = std::exchange(m_QueueVersion, version) != version;
+  if (!wasOnline) {
+    m_Reports.ListChanged("");
+  } else if (changed) {
+    m_Reports.ListChanged("queue");
+  }
 }
 
 void Player::Bind() {
@@ -130,28 +147,28 @@ void Player::Bind() {
   m_Output.Say(line.dump());
 }
 
+// Of an MPD that is away nobody can say more than that nothing plays.
 void Player::OnDown(const std::string& reason) {
   if (reason != std::exchange(m_Told, reason)) Complain("MPD is away: " + reason);
-  for (const std::string& record : std::exchange(m_Early, {})) OnRecord(record);
+  m_NextLook.cancel();
+  m_Commands.SetOnline(false);
+  const bool wasOnline = std::exchange(m_Online, false);
+  if (wasOnline) m_Reports.Playing({});
   m_CoverArt.OnDown();
+  if (wasOnline) m_Reports.Say("ONLINE_STATUS_CHANGED", {{"online_status", "False"}});
   m_Reports.Forget();
-  if (std::exchange(m_Online, false)) {
-    m_Reports.Say("ONLINE_STATUS_CHANGED", {{"online_status", "False"}});
-  }
 }
 
 void Player::OnChange(std::string_view subsystem) {
+  static constexpr struct {
+    std::string_view subsystem;
+    const char* lists;
+  } rows[] = {{"database", ""}, {"stored_playlist", "playlist"}, {"output", "output"}};
+  for (const auto& row : rows) {
+    if (m_Online && subsystem == row.subsystem) m_Reports.ListChanged(row.lists);
+  }
   if (subsystem == "database") m_CoverArt.Recheck();
   AskState();
-}
-
-void Player::OnRecord(const std::string& record) {
-  if (m_Online) return m_Commands.Obey(record);
-  if (!m_Link.Away() && m_Early.size() < s_MostEarly) {
-    m_Early.push_back(record);
-  } else {
-    Complain("MPD is away, nothing is done: " + Quoted(record));
-  }
 }
 
 void Player::Reset() {

@@ -1,18 +1,15 @@
 #include "players/mpd/Reports.h"
 
-#include <mpd/pair.h>
+#include "players/mpd/Id.h"
 
 #include <algorithm>
-#include <new>
+#include <utility>
 
 namespace mpdplayer {
 
 namespace {
 
-using std::chrono::milliseconds;
-using std::chrono::seconds;
-
-std::string ClockText(long long time) {
+std::string ClockText(unsigned time) {
   const std::string rest = std::to_string(time % 60);
   return std::to_string(time / 60) + (rest.size() < 2 ? ":0" : ":") + rest;
 }
@@ -22,25 +19,24 @@ const char* PlayStatus(mpd_state state) {
   return state == MPD_STATE_PAUSE ? "Paused" : "Stopped";
 }
 
+// Without "repeat", "single" means that MPD stops after the song.
 const char* RepeatMode(const mpd_status& status) {
-  if (!mpd_status_get_repeat(&status)) return "Off";
-  return mpd_status_get_single(&status) ? "One" : "All";
+  switch (mpd_status_get_single_state(&status)) {
+    case MPD_SINGLE_ONESHOT:
+      return "Oneshot";
+    case MPD_SINGLE_ON:
+      return mpd_status_get_repeat(&status) ? "One" : "Single";
+    default:
+      return mpd_status_get_repeat(&status) ? "All" : "Off";
+  }
+}
+
+bool IsStopped(const mpd_status& status) {
+  const mpd_state state = mpd_status_get_state(&status);
+  return state != MPD_STATE_PLAY && state != MPD_STATE_PAUSE;
 }
 
 }  // namespace
-
-PlayerState::PlayerState() : m_Status(mpd_status_begin(), &mpd_status_free) {
-  if (!m_Status) throw std::bad_alloc();
-}
-
-void PlayerState::Take(std::string_view name, std::string_view value) {
-  m_Song.Take(name, value);
-  if (!m_Song.uri.empty()) return;
-  const std::string key(name);
-  const std::string text(value);
-  const mpd_pair pair = {key.c_str(), text.c_str()};
-  mpd_status_feed(m_Status.get(), &pair);
-}
 
 void Reports::Say(const std::string& notification, const Params& params) {
   std::string line = NotifyLine(notification, params);
@@ -50,27 +46,33 @@ void Reports::Say(const std::string& notification, const Params& params) {
   said = std::move(line);
 }
 
-void Reports::Forget() {
-  m_Said.clear();
-  m_NextTick = Clock::time_point::max();
+void Reports::ListChanged(const std::string& id) {
+  m_Output.Say(NotifyLine("LIST_CHANGED", {{"id", id}}));
 }
 
-void Reports::Modes() {
-  Say("SET_SHUFFLE_MODES", {{"shuffle_modes", s_ShuffleModes}});
-  Say("SET_REPEAT_MODES", {{"repeat_modes", s_RepeatModes}});
-  Say("SET_MEDIA_LABELS", {{"media_labels", s_MediaLabels}});
-}
-
-void Reports::State(const PlayerState& state) {
+void Reports::Playing(const PlayerState& state) {
   const mpd_status& status = state.Status();
   Say("PLAY_STATUS_CHANGED", {{"play_status", PlayStatus(mpd_status_get_state(&status))}});
-  Say("SHUFFLE_CHANGED", {{"shuffle_mode", mpd_status_get_random(&status) ? "On" : "Off"}});
-  Say("REPEAT_CHANGED", {{"repeat_mode", RepeatMode(status)}});
   MediaInfo(state.Song());
+  PlayingItem(state);
   const int position = mpd_status_get_song_pos(&status);
   Say("QUEUE_PROGRESS_CHANGED", {{"current", std::to_string(std::max<long long>(position, -1) + 1)},
                                  {"total", std::to_string(mpd_status_get_queue_length(&status))}});
-  StartClock(status);
+  Time(status);
+  m_Volume.Take(mpd_status_get_volume(&status));
+  Say("VOLUME_CHANGED", m_Volume.Params());
+  const char* const error = mpd_status_get_error(&status);
+  Say("PLAYER_ERROR", {{"command", ""}, {"text", error ? error : ""}});
+}
+
+void Reports::Settings(const mpd_status& status) {
+  Say("SET_SHUFFLE_MODES", {{"shuffle_modes", s_ShuffleModes}});
+  Say("SET_REPEAT_MODES", {{"repeat_modes", s_RepeatModes}});
+  Say("SET_MEDIA_LABELS", {{"media_labels", s_MediaLabels}});
+  Say("SHUFFLE_CHANGED", {{"shuffle_mode", mpd_status_get_random(&status) ? "On" : "Off"}});
+  Say("REPEAT_CHANGED", {{"repeat_mode", RepeatMode(status)}});
+  Say("CONSUME_CHANGED", {{"mode", mpd_status_get_consume(&status) ? "On" : "Off"}});
+  Say("CROSSFADE_CHANGED", {{"seconds", std::to_string(mpd_status_get_crossfade(&status))}});
 }
 
 // A station's name stands where other songs have their album.
@@ -83,25 +85,24 @@ void Reports::MediaInfo(const Song& song) {
   Say("MEDIA_INFO_CHANGED", params);
 }
 
-void Reports::StartClock(const mpd_status& status) {
-  const mpd_state state = mpd_status_get_state(&status);
-  m_Duration = mpd_status_get_total_time(&status);
-  m_Start = Clock::now() - milliseconds(mpd_status_get_elapsed_ms(&status));
-  if (state == MPD_STATE_PLAY || state == MPD_STATE_PAUSE) {
-    Tick();
-  } else {
-    Say("PLAY_TIME_CHANGED", {{"elapsed", "0:00"}, {"remaining", "0:00"}});
-  }
-  if (state != MPD_STATE_PLAY) m_NextTick = Clock::time_point::max();
+// A part of a file is another item in each list that shows it.
+void Reports::PlayingItem(const PlayerState& state) {
+  const Song& song = state.Song();
+  const bool none = IsStopped(state.Status()) || song.uri.empty();
+  Say("PLAYING_ITEM_CHANGED",
+      {{"song", none || !song.range.empty() ? "" : "song:" + song.uri},
+       {"queue", none ? "" : QueueId({song.position, song.range, song.uri})}});
 }
 
-void Reports::Tick() {
-  const auto elapsed = std::chrono::duration_cast<seconds>(Clock::now() - m_Start).count();
-  const auto remaining = std::max<long long>(m_Duration - elapsed, 0);
-  const bool ending = m_Duration > 0 && remaining == 0;
-  m_NextTick = ending ? Clock::time_point::max() : m_Start + seconds(elapsed + 1);
+void Reports::Time(const mpd_status& status) {
+  if (IsStopped(status)) {
+    return Say("PLAY_TIME_CHANGED", {{"elapsed", "0:00"}, {"remaining", "0:00"}});
+  }
+  const unsigned elapsed = mpd_status_get_elapsed_ms(&status) / 1000;
+  const unsigned duration = mpd_status_get_total_time(&status);
+  const std::string remaining = ClockText(std::max(duration, elapsed) - elapsed);
   Say("PLAY_TIME_CHANGED",
-      {{"elapsed", ClockText(elapsed)}, {"remaining", m_Duration > 0 ? ClockText(remaining) : ""}});
+      {{"elapsed", ClockText(elapsed)}, {"remaining", duration > 0 ? remaining : ""}});
 }
 
 }  // namespace mpdplayer

@@ -6,8 +6,16 @@ void Song::Take(std::string_view tag, std::string_view value) {
   static constexpr struct {
     std::string_view tag;
     std::string Song::*text;
-  } rows[] = {{"file", &Song::uri},    {"Title", &Song::title}, {"Artist", &Song::artist},
-              {"Album", &Song::album}, {"Name", &Song::name},   {"Pos", &Song::position}};
+  } rows[] = {{"file", &Song::uri},
+              {"Title", &Song::title},
+              {"Artist", &Song::artist},
+              {"Album", &Song::album},
+              {"Name", &Song::name},
+              {"Pos", &Song::position},
+              {"Id", &Song::id},
+              {"Range", &Song::range},
+              {"outputname", &Song::output},
+              {"outputenabled", &Song::enabled}};
   for (const auto& row : rows) {
     if (tag != row.tag) continue;
     std::string& text = this->*row.text;

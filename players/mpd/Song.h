@@ -5,8 +5,8 @@
 
 namespace mpdplayer {
 
-// What an answer says about a song. A tag that is there several times is one text, with "; " in
-// between.
+// What an answer says about a song, or about an output, which a list holds as it holds songs. A tag
+// that is there several times is one text, with "; " in between.
 struct Song {
   std::string uri;
   std::string title;
@@ -14,6 +14,10 @@ struct Song {
   std::string album;
   std::string name;
   std::string position;
+  std::string id;
+  std::string range;  // the part of the file, when it is not the whole
+  std::string output;
+  std::string enabled;
 
   void Take(std::string_view tag, std::string_view value);
 

@@ -4,10 +4,12 @@
 #include <CLI/CLI.hpp>
 #include <mpd/settings.h>
 
+#include <charconv>
 #include <csignal>
 #include <cstdlib>
 #include <map>
 #include <memory>
+#include <stdexcept>
 #include <string>
 
 namespace {
@@ -29,6 +31,9 @@ Examples:
   driverhost live -- mpd-player --host kitchen     the one in the kitchen
 )";
 
+constexpr int s_LastPort = 65535;
+constexpr int s_LongestTimeout = 3600;  // seconds
+
 // As wide as the widest option.
 constexpr std::size_t s_OptionColumns = 23;
 
@@ -43,13 +48,12 @@ void Describe(CLI::App& app, CommandLine& line) {
     line.art.format = format->second;
   };
   constexpr int largest = 3000;
-  constexpr int lastPort = 65535;
   app.set_version_flag("--version", "mpd-player " MPD_PLAYER_VERSION);
   app.add_option("--host", line.host, "[PASSWORD@]HOST or a socket's path [$MPD_HOST]")
       ->type_name("HOST");
   app.add_option("--port", line.port, "The port there, 1 to 65535 [$MPD_PORT]")
       ->type_name("PORT")
-      ->check(CLI::Range(1, lastPort).description(""));
+      ->check(CLI::Range(1, s_LastPort).description(""));
   app.add_option_function<std::string>("--art", readFormat,
                                        "How pictures go out: jpeg, rgb565 or rgb888 [jpeg]")
       ->type_name("FORMAT");
@@ -59,6 +63,22 @@ void Describe(CLI::App& app, CommandLine& line) {
       ->check(CLI::Range(1, largest).description(""));
   app.get_formatter()->column_width(s_OptionColumns);
   app.footer(s_Examples);
+}
+
+struct WrongSetting : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+// libmpdclient takes what is no number for none.
+void CheckNumber(const char* name, int most) {
+  const std::string text = std::getenv(name) ? std::getenv(name) : "";
+  int number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, fault] = std::from_chars(text.data(), end, number);
+  if (text.empty() || (fault == std::errc() && stop == end && number >= 1 && number <= most))
+    return;
+  throw WrongSetting(std::string(name) + " is " + Quoted(text) + ", not a number from 1 to " +
+                     std::to_string(most));
 }
 
 // The options replace the environment's variables, so that both are read in the same way, as mpc
@@ -72,6 +92,8 @@ std::unique_ptr<mpd_settings, void (*)(mpd_settings*)> Settings(const CommandLin
   set("MPD_HOST", line.host, "localhost");
   set("MPD_PORT", line.port, nullptr);
   set("MPD_TIMEOUT", "", "10");
+  CheckNumber("MPD_PORT", s_LastPort);
+  CheckNumber("MPD_TIMEOUT", s_LongestTimeout);
   std::unique_ptr<mpd_settings, void (*)(mpd_settings*)> settings(
       mpd_settings_new(nullptr, 0, 0, nullptr, nullptr), &mpd_settings_free);
   if (!settings) throw std::bad_alloc();
@@ -91,9 +113,11 @@ int Run(int argc, char** argv) {
   const auto settings = Settings(line);
   const char* password = mpd_settings_get_password(settings.get());
   const std::chrono::milliseconds timeout(mpd_settings_get_timeout_ms(settings.get()));
-  const Link::Server server = {mpd_settings_get_host(settings.get()),
-                               mpd_settings_get_port(settings.get()), timeout};
-  Player(server, password ? password : "", line.art).Run();
+  const Server server = {mpd_settings_get_host(settings.get()),
+                         mpd_settings_get_port(settings.get()), timeout};
+  Player player(server, password ? password : "", line.art);
+  player.Run();
+  if (player.Resolving()) std::quick_exit(0);
   return 0;
 }
 
@@ -102,6 +126,9 @@ int Run(int argc, char** argv) {
 int main(int argc, char** argv) {
   try {
     return Run(argc, argv);
+  } catch (const WrongSetting& error) {
+    mpdplayer::Complain(error.what());
+    return 2;
   } catch (const std::exception& error) {
     mpdplayer::Complain(mpdplayer::Quoted(error.what()));
     return 1;
