@@ -1,156 +1,213 @@
-import { Browse } from './browse.js';
+// @ts-check
+import { Browser } from './browser.js';
 import { Connection } from './connection.js';
 import { Cover } from './cover.js';
-import { childText, parse, valueText } from './document.js';
+import { Details, makeSplitter } from './details.js';
+import { $, $$, drawing, press, setText } from './dom.js';
+import { DriverPanel } from './driver.js';
+import { nearest } from './nearest.js';
 import { Player } from './player.js';
-import { State } from './state.js';
-import { Traffic } from './traffic.js';
+import { RecordQueue } from './queue.js';
+import { caseOf, sessionOf } from './record.js';
+import { Resume } from './resume.js';
+import { Answers, SendLine } from './send.js';
+import { recordsIn, save } from './session.js';
+import { Store } from './store.js';
+import { visible } from './text.js';
+import { Timeline } from './timeline.js';
 
-const $ = selector => document.querySelector(selector);
 const TICK_MS = 250;
-const SEEK_SECONDS = 10;
-const TURN_MS = 40;
-const TAKING_MS = 20;
-const MOST_WAITING = 100000;
+const QUERY = 'QUERY_CURRENT_SETTINGS';
 
-const state = new State();
+const store = new Store();
+const resume = new Resume();
+const answers = new Answers();
+const queue = new RecordQueue(take, count => timeline.add({ missing: count }, JSON.stringify({ missing: count })));
+const timeline = new Timeline({ select: entry => details.show(entry), open: entry => details.open(entry), reason });
+const details = new Details(timeline, inWords);
 const cover = new Cover($('#cover'));
-const traffic = new Traffic();
-const player = new Player(state, send);
-const browse = new Browse(state, send);
-const connection = new Connection({ opened, line: arrived, lost });
-const stale = new Set();
-const waiting = [];
-let turnEnds = 0;
-let taking = 0;
-let connected = null;
+const sendLine = new SendLine(store, send, showStep);
+const views = {
+  driver: new DriverPanel(store, { show: showStep, fill: (verb, name) => sendLine.fill(verb, name) }),
+  player: new Player(store, say),
+  browse: new Browser(store, say),
+};
+const connection = new Connection({ opened, line: text => { for (const line of text.split('\n')) if (line) queue.push(line); }, lost });
+let isConnected = null;
+let hasChosen = false;
 
-function notice(text, isWarning = false) {
-  $('#notice').textContent = text.slice(0, 1000);
-  $('#notice').classList.toggle('warning', isWarning);
+// Why nothing came of an input.
+function reason({ verb, name }) {
+  const isTaken = ['bind', 'unbind', 'rooms', 'persist', 'restart', 'start'].includes(verb) || !store.knowsRegistered || store.handles(verb, name);
+  return isTaken ? 'nothing came of it' : 'nothing came of it: no handler';
 }
 
-function showConnection(isConnected) {
-  connected = isConnected;
-  $('#connection').textContent = isConnected ? 'Connected' : 'The program is gone. Trying again…';
-  document.body.classList.toggle('lost', !isConnected);
+function inWords(entry) {
+  const meant = nearest(entry.name, [...store.names.values()].filter(each => each.isRegistered && each.verb === entry.verb).map(each => each.name));
+  return reason(entry) + (store.handles(entry.verb, entry.name) || !meant ? '' : ` – did you mean ${meant}?`);
+}
+
+function showConnection(text, state) {
+  setText($('#connection'), text);
+  document.body.dataset.connection = state;
 }
 
 function opened() {
-  if (connected === false) {
-    traffic.say('connected again; records may be missing');
-    cover.reload();
-  }
-  showConnection(true);
-  send('QUERY_CURRENT_SETTINGS');
+  isConnected = true;
+  showConnection('Connected', 'on');
 }
 
 function lost() {
-  if (connected !== false) traffic.say('the connection is lost');
-  showConnection(false);
+  if (isConnected !== false && !store.ended) timeline.say('the connection is lost');
+  isConnected = false;
+  resume.lost();
+  showConnection(store.ended ? 'Ended' : 'The program is gone. Trying again…', store.ended ? 'ended' : 'off');
 }
 
-async function send(command, params) {
+function isKnown(line) {
+  for (const entry of timeline.steps.entries()) if (entry.line === line) return true;
+  return !timeline.steps.size;
+}
+
+function take(line) {
+  const record = JSON.parse(line);
+  const verdict = record.registered ? 'take' : resume.judge(record, line, isKnown);
+  if (verdict === 'skip') return null;
+  if (verdict === 'anew') startAnew();
+  const rest = store.take(record, performance.now());
+  if (!record.registered) answers.take(record, timeline.add(record, line));
+  if (record.ended) showConnection('Ended', 'ended');
+  redraw();
+  return rest && finishing(rest);
+}
+
+// What is registered came before, and stays.
+function startAnew() {
+  store.forget();
+  cover.announce('');
+  timeline.say('connected to another program');
+  timeline.steps.beginAnew();
+}
+
+function* finishing(rest) {
+  yield* rest;
+  redraw();
+}
+
+// Views are drawn once a frame, however many records came meanwhile. One that fails does not stop the others.
+const redraw = drawing(draw);
+
+function draw() {
+  if (!store.stale.size) return;
+  const focused = document.activeElement;
+  if (store.cover && store.stale.has('player')) {
+    cover.announce(store.cover.path);
+    store.cover = null;
+  }
+  for (const part of [...store.stale]) {
+    if (part === 'driver' && !$('#driver').checkVisibility()) continue;  // until somebody looks
+    store.stale.delete(part);
+    attempt(() => views[part].render());
+  }
+  attempt(() => sendLine.render());
+  const name = store.file.split('/').at(-1) || 'Driver';
+  setText($('h1'), name);
+  document.title = $('#track').textContent ? `${store.media.playing ? '▶ ' : ''}${$('#track').textContent}` : name;
+  document.body.classList.toggle('media', store.speaksMedia);
+  document.body.classList.toggle('browses', store.speaksMedia && views.browse.isUseful);
+  for (const each of $$('[data-ask]')) each.hidden = !store.handles('command', QUERY);
+  const { panel } = document.body.dataset;
+  if (store.speaksMedia && !hasChosen && panel === 'driver') showPanel('player');
+  if (!store.speaksMedia && (panel === 'player' || panel === 'browse')) showPanel('driver');
+  if (focused instanceof HTMLElement && focused !== document.body && !focused.checkVisibility()) keepFocus(focused);
+}
+
+// The focus of what is gone goes to what is beside it.
+function keepFocus(gone) {
+  const section = gone.closest('section');
+  const beside = section?.checkVisibility() ? $$('[tabindex="0"]', section).find(each => each.checkVisibility()) || section : $('#rows');
+  beside.focus();
+}
+
+function attempt(work) {
   try {
-    const records = await connection.send(command, params);
-    if (records.some(record => record.to === 'device')) notice(`${command} sent to the player`);
+    work();
   } catch (error) {
-    notice(`${command}: ${error.message}`, true);
+    reportError(error);
   }
 }
 
-// Views are drawn once a frame, however many records came meanwhile.
-function redraw(view) {
-  if (!stale.size) requestAnimationFrame(() => { for (const each of stale) each.render(); stale.clear(); });
-  stale.add(view);
+// Resolves to what came of the line; rejects with what is wrong.
+async function send(line) {
+  if (!connection.send(line)) throw new Error('the program does not answer');
+  return answers.expect(line);
 }
 
-// A flood of records gets a part of each turn, in the order in which they came; the rest is for
-// drawing and for the person at the page.
-function arrived(line) {
-  if (!waiting.length && takeInTurn(line)) return;
-  waiting.push(line);
-  if (waiting.length === 1) setTimeout(takeWaiting, TURN_MS - TAKING_MS);
-  if (waiting.length < MOST_WAITING) return;
-  waiting.length = 1;
-  traffic.say('more records came than the page could take; some are missing');
-  send('QUERY_CURRENT_SETTINGS');
-}
-
-function takeWaiting() {
-  let taken = 0;
-  while (taken < waiting.length && takeInTurn(waiting[taken])) taken += 1;
-  waiting.splice(0, taken);
-  if (waiting.length) setTimeout(takeWaiting, TURN_MS - TAKING_MS);
-}
-
-// Returns whether there was time left for it.
-function takeInTurn(line) {
-  const began = performance.now();
-  if (began > turnEnds) [turnEnds, taking] = [began + TURN_MS, 0];
-  if (taking > TAKING_MS) return false;
+// For the buttons of the player: what happened is said in words.
+async function say(command, params) {
+  let words;
   try {
-    receive(JSON.parse(line), line);
+    const { records, words: nothing } = await send(params ? { command, params } : { command });
+    const call = records.find(entry => entry.kind === 'device');
+    const isHeard = !call || store.isBound(JSON.parse(call.line).binding);
+    words = call ? (isHeard ? `${command} sent to the player` : `${command}: no player is bound, nobody listens`) : records.length ? '' : `${command}: ${nothing}`;
+    $('#notice').classList.toggle('warning', !isHeard || !records.length);
   } catch (error) {
-    console.error(error);  // the records after it must come all the same
+    words = `${command}: ${error.message}`;
+    $('#notice').classList.add('warning');
   }
-  taking += performance.now() - began;
-  return true;
+  setText($('#notice'), visible(words, 300));
 }
 
-function receive(record, line) {
-  traffic.add(record, line);
-  if (record.to === 'log') notice(valueText(record.text), true);
-  if (record.to !== 'ui' && record.to !== 'answer') return;
-  const root = parse(record.xml);
-  if (root) take(root);
+function showStep(step) {
+  showPanel('timeline', false);
+  timeline.show(step);
 }
 
-function take(root) {
-  const wasOnline = state.values.online;
-  if (root.nodeName === 'NEW_COVER_ART') cover.announce(childText(root, 'image_path'));
-  else if (browse.take(root)) redraw(browse);
-  else if (state.apply(root, performance.now())) {
-    redraw(player);
-    if (root.nodeName === 'CURRENT_SETTINGS') redraw(browse);
-    // Only the report says what a player can do, which may have changed when it is back.
-    if (root.nodeName === 'online_status' && state.can('online') && wasOnline !== 'True') send('QUERY_CURRENT_SETTINGS');
-  } else notice(`${root.nodeName} ${[...root.querySelectorAll('*')].filter(each => !each.children.length).map(each => each.textContent).join(' ')}`);
-}
-
-function showPanel(name) {
+function showPanel(name, isChoice = true) {
+  if (name === 'timeline' && !isChoice && getComputedStyle($('nav [data-panel=timeline]')).display === 'none') return;
   document.body.dataset.panel = name;
-  for (const button of document.querySelectorAll('nav button')) {
-    button.setAttribute('aria-pressed', button.dataset.panel === name);
-  }
+  redraw();
+  for (const each of $$('nav button')) press(each, each.dataset.panel === name);
+}
+
+function fileName(kind) { return `${(store.file.split('/').at(-1) || 'driver').replace(/\.so$/, '')}-${kind}.ndjson`; }
+
+async function openFile(file) {
+  connection.close();
+  queue.clear();
+  timeline.clear();
+  store.restart();
+  showConnection(`${visible(file.name, 60)} – load the page again to go on live`, 'file');
+  for (const line of recordsIn(await file.text())) queue.push(line);
 }
 
 const KEYS = {
-  ' ': () => player.toggle(),
-  ArrowLeft: () => player.seekBy(-SEEK_SECONDS),
-  ArrowRight: () => player.seekBy(SEEK_SECONDS),
-  ArrowDown: () => browse.focusFirst(),
-  '/': () => { if (!browse.focusSearch()) traffic.focusFilter(); else showPanel('browse'); },
-  Escape: () => { if (!traffic.closeRecord()) browse.back(); },
+  '?': () => $('#keys').showModal(),
+  '/': () => { showPanel('timeline', false); timeline.focusSearch(); },
+  '>': () => { showPanel('timeline', false); sendLine.focus(); },
+  n: () => timeline.find(1),
+  N: () => timeline.find(-1),
+  Escape: () => details.close(),
 };
 
-// Returns whether the key belongs to the element that has the focus.
-function isTaken(event) {
-  if (event.defaultPrevented || event.ctrlKey || event.metaKey || event.altKey) return true;
-  if (event.target.matches('input:not([type=range]), select')) return event.key !== 'Escape';
-  if (event.key === ' ') return event.target.matches('button, .full');
-  return event.key.startsWith('Arrow') && event.target.matches('input, .full');
-}
-
 document.addEventListener('keydown', event => {
+  const isTyping = /** @type {HTMLElement} */ (event.target).matches('input:not([type=range]), select, textarea');
   const action = KEYS[event.key];
-  if (!action || isTaken(event)) return;
-  event.preventDefault();
-  if (event.key === 'Escape' && event.target.matches('input')) event.target.blur();
-  else action();
+  if (!action || event.defaultPrevented || event.ctrlKey || event.metaKey || event.altKey || $('dialog[open]') || (isTyping && event.key !== 'Escape')) return;
+  if (event.key !== 'Escape') event.preventDefault();
+  action();
 });
 
-for (const button of document.querySelectorAll('nav button')) button.onclick = () => showPanel(button.dataset.panel);
-setInterval(() => { if (state.playing && !document.hidden) player.tick(); }, TICK_MS);
-player.render();
-browse.render();
+for (const each of $$('nav [data-panel]')) each.onclick = () => { hasChosen = true; showPanel(each.dataset.panel); };
+for (const each of $$('[data-ask]')) each.onclick = () => say(QUERY);
+$('#help').onclick = () => $('#keys').showModal();
+$('#keys button').onclick = () => $('#keys').close();
+$('#clear').onclick = () => timeline.clear();
+$('#save-session').onclick = () => save(fileName('session'), sessionOf([...timeline.steps.entries()]));
+$('#save-case').onclick = () => save(fileName('case'), caseOf([...timeline.steps.entries()]));
+$('#open').onclick = () => $('#file').click();
+$('#file').onchange = () => { if ($('#file').files[0]) openFile($('#file').files[0]); };
+makeSplitter($('#work'), $('#splitter'));
+setInterval(() => { if (store.media.playing && !document.hidden) views.player.tick(); }, TICK_MS);
+redraw();

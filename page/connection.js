@@ -1,10 +1,12 @@
-// The connection to the program: records come in, commands go out.
+// @ts-check
 
 const RETRY_MS = 1000;
 
+// The connection to the program: lines come in, session lines go out.
 export class Connection {
   #on;
-  #source = null;
+  #socket = null;
+  #isClosed = false;
 
   // on: opened(), line(text), lost()
   constructor(on) {
@@ -12,34 +14,27 @@ export class Connection {
     this.#open();
   }
 
-  // The records that the command caused; throws an Error that says in words why there are none.
-  async send(command, params) {
-    let answer;
-    try {
-      answer = await fetch('/session', {
-        method: 'POST',
-        headers: { 'Content-Type': 'application/json' },
-        body: JSON.stringify(params ? { command, params } : { command }),
-      });
-    } catch {
-      throw new Error('the program does not answer');
-    }
-    if (!answer.ok) throw new Error((await answer.text()).trim() || `status ${answer.status}`);
-    return answer.json();
+  // Returns whether there was a connection to send it over.
+  send(line) {
+    if (this.#socket?.readyState !== WebSocket.OPEN) return false;
+    this.#socket.send(JSON.stringify(line));
+    return true;
+  }
+
+  close() {
+    this.#isClosed = true;
+    this.#socket.close();
   }
 
   #open() {
-    this.#source = new EventSource('/traffic');
-    this.#source.onopen = () => this.#on.opened();
-    this.#source.onmessage = event => this.#on.line(event.data);
-    this.#source.onerror = () => this.#failed();
-  }
-
-  // The browser tries again by itself, but not after a refusal.
-  #failed() {
-    this.#on.lost();
-    if (this.#source.readyState !== EventSource.CLOSED) return;
-    this.#source.onerror = null;
-    setTimeout(() => this.#open(), RETRY_MS);
+    const socket = new WebSocket(location.origin.replace(/^http/, 'ws') + '/traffic');
+    this.#socket = socket;
+    socket.onopen = () => this.#on.opened();
+    socket.onmessage = event => this.#on.line(event.data);
+    socket.onclose = () => {
+      if (this.#isClosed) return;
+      this.#on.lost();
+      setTimeout(() => this.#open(), RETRY_MS);
+    };
   }
 }

@@ -1,7 +1,8 @@
-import { element } from './document.js';
+// @ts-check
+import { $, make } from './dom.js';
 
-// The URL below the image root; null for a path that names no file there.
-export function coverUrl(path) {
+// The URL of a picture below the image root; null for a path that names no file there.
+export function imageUrl(path) {
   const parts = path.split('/').filter(Boolean);
   if (!parts.length || parts.some(part => part === '.' || part === '..')) return null;
   return '/images/' + parts.map(encodeURIComponent).join('/');
@@ -13,37 +14,28 @@ export class Cover {
   #frame;
   #path = '';
   #wanted = 0;
-  #loading = false;
+  #isLoading = false;
 
   constructor(frame) { this.#frame = frame; }
 
   announce(path) {
     this.#path = path;
-    this.reload();
-  }
-
-  reload() {
     this.#wanted += 1;
-    if (!this.#loading) this.#load();
-  }
-
-  describe(text) {
-    const picture = this.#frame.querySelector('img');
-    if (picture) picture.alt = text;
+    if (!this.#isLoading) this.#load();
   }
 
   async #load() {
-    this.#loading = true;
+    this.#isLoading = true;
     for (let loaded = -1; loaded !== this.#wanted;) {
       loaded = this.#wanted;
-      this.#show(await this.#fetch(coverUrl(this.#path), loaded));
+      this.#show(await this.#fetch(imageUrl(this.#path), loaded));
     }
-    this.#loading = false;
+    this.#isLoading = false;
   }
 
   async #fetch(url, number) {
     if (!url) return null;
-    const picture = element('img');
+    const picture = make('img');
     picture.alt = 'Cover';
     picture.src = `${url}?${Date.now()}.${number}`;
     try {
@@ -55,8 +47,7 @@ export class Cover {
   }
 
   #show(picture) {
-    const old = this.#frame.querySelector('img');
-    if (old) old.remove();
+    $('img', this.#frame)?.remove();
     if (picture) this.#frame.append(picture);
   }
 }

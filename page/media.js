@@ -1,8 +1,10 @@
+// @ts-check
 // What a user interface knows of the player, from the driver's documents alone.
+import { clock } from './text.js';
 
 // Documents that report the player's state. Each value in them has a name of its own, so that it does
 // not matter in which document it comes.
-const REPORTS = new Set([
+export const REPORTS = new Set([
   'CURRENT_SETTINGS', 'MEDIA_INFO_CHANGED', 'PLAY_TIME_CHANGED', 'QUEUE_PROGRESS_CHANGED',
   'SHUFFLE_MODES_CHANGED', 'REPEAT_MODES_CHANGED', 'MEDIA_LABELS_CHANGED', 'SHUFFLE_CHANGED', 'REPEAT_CHANGED',
   'play_status', 'online_status', 'online', 'shuffle_modes', 'repeat_modes',
@@ -14,16 +16,11 @@ export function seconds(text) {
   return text.split(':').reduce((sum, part) => sum * 60 + Number(part), 0);
 }
 
-export function timeText(time) {
-  const whole = Math.floor(time);
-  const two = number => String(number).padStart(2, '0');
-  const hours = Math.floor(whole / 3600);
-  const minutes = Math.floor(whole / 60) % 60;
-  return (hours ? `${hours}:${two(minutes)}` : String(minutes)) + ':' + two(whole % 60);
-}
+const MOST_LISTED = 300;
 
+// The first of the texts between commas; nobody chooses among more.
 export function listOf(text) {
-  return (text || '').split(',').map(each => each.trim()).filter(Boolean);
+  return (text || '').split(',', MOST_LISTED).map(each => each.trim()).filter(Boolean);
 }
 
 // Where playback stands between two reports.
@@ -56,31 +53,41 @@ export class Clock {
   }
 }
 
-export class State {
-  values = {};
+export class Media {
+  values = Object.create(null);
   clock = new Clock();
 
   get playing() { return this.values.play_status === 'Playing'; }
   can(flag) { return this.values[flag] === 'True'; }
 
-  // Returns whether the document was one about the player's state. Names of values begin with a small
-  // letter.
+  // The elapsed time, the time left and the share of it, as texts to show.
+  times(position) {
+    const { values, clock: { total } } = this;
+    const known = position !== null && total !== null;
+    return {
+      elapsed: position === null ? (values.elapsed || '').slice(0, 20) : clock(position),
+      remaining: known ? `-${clock(Math.ceil(total - Math.floor(position)))}` : (values.remaining || '').slice(0, 20),
+      share: known ? position / total : 0,
+      words: known ? `${clock(position)} of ${clock(total)}` : 'unknown',
+    };
+  }
+
   apply(root, now) {
-    if (!REPORTS.has(root.nodeName)) return false;
     const wasPlaying = this.playing;
-    const changed = {};
+    const changed = Object.create(null);
     this.#take(root, changed);
     if ('play_status' in changed) this.clock.settle(now, wasPlaying);
     Object.assign(this.values, changed);
     if ('elapsed' in changed) this.clock.report(changed.elapsed, changed.remaining || '', now, this.playing);
-    return true;
   }
 
-  #take(element, changed) {
-    if (element.children.length) {
-      for (const child of element.children) this.#take(child, changed);
-    } else if (/^[a-z]/.test(element.nodeName)) {
-      changed[element.nodeName === 'online_status' ? 'online' : element.nodeName] = element.textContent;
+  // Names of values begin with a small letter.
+  #take(root, changed) {
+    const waiting = [root];
+    while (waiting.length) {
+      const node = waiting.pop();
+      if (node.children.length) waiting.push(...node.children.slice(0, 1000));
+      else if (/^[a-z]/.test(node.name)) changed[node.name === 'online_status' ? 'online' : node.name] = node.text;
     }
   }
 }
