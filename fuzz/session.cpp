@@ -19,7 +19,7 @@ static void Deliver(standin::Host& host, Input& input) {
     case 'b': return host.Bind(name.size() % 2 == 0 ? 5001 : 5002, name, {{input.Text(), input.Text()}});
     case 'u': return host.Unbind(5001, name);
     case 'o': return host.SetRooms({{input.Byte(), input.Byte()}});
-    case 'p': return host.Persist();
+    case 'p': host.Persist(); return;
     case 'f': return host.SetFault(static_cast<standin::Factory>(input.Byte() % 5), name.empty());
   }
   static const auto notifications = ReadNotifications();
