@@ -23,7 +23,6 @@ Cover MakeCover(const Picture& square, bool is565);
 // An encoder beside ours: writes the cover as a JPEG of about the same quality at `path`.
 struct Encoder {
   const char* name;
-  bool reads565;
   void (*write)(const Cover& cover, const std::string& path);
 };
 

@@ -17,7 +17,7 @@ class Sink final : public standin::Observer {
   void OnVariable(Change, unsigned long, const std::string&, const std::string& value) override {
     Take(value);
   }
-  void OnEvent(unsigned long) override {}
+  void OnEvent(unsigned long, const std::string&) override {}
   void OnUi(const std::string& xml) override { Take(xml); }
   void OnRooms(const std::string&, const standin::Params& params) override {
     Take(params.back().value);

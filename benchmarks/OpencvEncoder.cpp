@@ -16,6 +16,6 @@ void Write(const Cover& cover, const std::string& path) {
   WriteFile(path, jpeg.data(), jpeg.size());
 }
 
-const AddEncoder s_Added({"opencv", true, &Write});
+const AddEncoder s_Added({"opencv", &Write});
 
 }  // namespace

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "benchmarks/XmlPeers.h"
+#include "benchmarks/Pugixml.h"
 
 #include <sys/types.h>
 

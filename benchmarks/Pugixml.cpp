@@ -1,8 +1,7 @@
-#include "benchmarks/XmlPeers.h"
+#include "benchmarks/Pugixml.h"
 
 #include "benchmarks/DriverWithSink.h"
 
-#include <libxml/tree.h>
 #include <pugixml.hpp>
 
 #include <memory>
@@ -35,22 +34,6 @@ class StringWriter final : public pugi::xml_writer {
   std::string text;
 };
 
-const xmlChar* Bytes(const std::string& text) {
-  return reinterpret_cast<const xmlChar*>(text.c_str());
-}
-
-void Add(xmlNodePtr node, const Element& element) {
-  if (!element.text.empty()) xmlAddChild(node, xmlNewText(Bytes(element.text)));
-  for (const auto& child : element.children) {
-    Add(xmlNewChild(node, nullptr, Bytes(child->name), nullptr), *child);
-  }
-}
-
-struct Free {
-  void operator()(xmlDocPtr document) const { xmlFreeDoc(document); }
-  void operator()(xmlBufferPtr buffer) const { xmlBufferFree(buffer); }
-};
-
 }  // namespace
 
 Element Describe(const std::string& xml) {
@@ -67,17 +50,6 @@ std::string PrintWithPugixml(const Element& root) {
   StringWriter writer;
   document.print(writer, "", pugi::format_raw | pugi::format_no_declaration, pugi::encoding_utf8);
   return std::move(writer.text);
-}
-
-std::string PrintWithLibxml2(const Element& root) {
-  const std::unique_ptr<xmlDoc, Free> document(xmlNewDoc(nullptr));
-  xmlNodePtr node = xmlNewNode(nullptr, Bytes(root.name));
-  xmlDocSetRootElement(document.get(), node);
-  Add(node, root);
-  const std::unique_ptr<xmlBuffer, Free> buffer(xmlBufferCreate());
-  xmlNodeDump(buffer.get(), document.get(), node, 0, 0);
-  return {reinterpret_cast<const char*>(xmlBufferContent(buffer.get())),
-          static_cast<std::size_t>(xmlBufferLength(buffer.get()))};
 }
 
 std::size_t HeapOfPugixml(const Element& root) {

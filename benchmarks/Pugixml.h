@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-// What a document consists of, to be built by other libraries.
+// What a document consists of, to be built by another library.
 struct Element {
   std::string name;
   std::string text;
@@ -12,9 +12,8 @@ struct Element {
 };
 Element Describe(const std::string& xml);
 
-// Each builds a new document and returns its text.
+// Builds a new document and returns its text.
 std::string PrintWithPugixml(const Element& root);
-std::string PrintWithLibxml2(const Element& root);
 
 // Bytes of the heap that a pugixml document of these elements takes.
 std::size_t HeapOfPugixml(const Element& root);
