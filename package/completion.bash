@@ -7,7 +7,7 @@ _mediaproxy() {
   fi
   [[ ${1##*/} == driverhost && $COMP_CWORD -gt 1 ]] && subcommand=${COMP_WORDS[1]}
   if [[ $2 == -* ]]; then
-    words=$("$1" $subcommand --help 2>/dev/null | sed -nE 's/^  (-h,)?(--[a-z-]+).*/\2/p')
+    words=$("$1" ${subcommand:+"$subcommand"} --help 2>/dev/null | sed -nE 's/^  (-h,)?(--[a-z-]+).*/\2/p')
   elif [[ -z $subcommand ]]; then
     words=$("$1" --help 2>/dev/null | sed -nE '/^Subcommands:/,/^$/s/^  ([a-z]+) .*/\1/p')
   fi

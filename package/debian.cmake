@@ -1,30 +1,12 @@
-# What only the Debian packages hold: manual pages, made of the programs' own help, and Debian's files.
-find_program(HELP2MAN help2man REQUIRED)
+# What only the Debian packages hold: Debian's own files. Without the bench there is one package, the plug-in's.
 find_program(GZIP gzip REQUIRED)
-
-function(add_manual_page page about program)
-  set(file ${CMAKE_CURRENT_BINARY_DIR}/${page}.1)
-  separate_arguments(words UNIX_COMMAND "${program}")
-  list(POP_FRONT words target)
-  list(JOIN words " " words)
-  add_custom_command(OUTPUT ${file}.gz
-    COMMAND ${HELP2MAN} --no-info --name "${about}" --version-string "${page} ${PROJECT_VERSION}"
-      --include ${CMAKE_CURRENT_SOURCE_DIR}/see_also.man --output ${file} "$<TARGET_FILE:${target}> ${words}"
-    COMMAND ${GZIP} -9nf ${file}
-    DEPENDS ${target} see_also.man
-    VERBATIM)
-  add_custom_target(manual_${page} ALL DEPENDS ${file}.gz)
-  install(FILES ${file}.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-endfunction()
-add_manual_page(driverhost "the bench host for driver plug-ins" driverhost)
-add_manual_page(driverhost-replay "play a session into a driver" "driverhost replay")
-add_manual_page(driverhost-live "bind a running player to a driver" "driverhost live")
-add_manual_page(driverhost-check "play cases, compare the traffic with theirs" "driverhost check")
-add_manual_page(mpd-player "a music player (MPD) as a device that driverhost binds" mpd-player)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_CONTACT "Media Proxy Maintainers <maintainers@mediaproxy.example>")
-set(CPACK_COMPONENTS_ALL mediaproxy mediaproxy-dev)
+set(CPACK_COMPONENTS_ALL mediaproxy-driver)
+if(MEDIAPROXY_BENCH)
+  list(APPEND CPACK_COMPONENTS_ALL mediaproxy mediaproxy-dev)
+endif()
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
@@ -33,19 +15,29 @@ set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 
+set(CPACK_DEBIAN_MEDIAPROXY-DRIVER_PACKAGE_NAME mediaproxy-driver)
+set(CPACK_DEBIAN_MEDIAPROXY-DRIVER_PACKAGE_SECTION sound)
+set(CPACK_DEBIAN_MEDIAPROXY-DRIVER_DESCRIPTION "media proxy driver
+media.so is a plug-in for a home-automation controller's driver host. It
+stands between a music player and the controller's user interfaces.")
+if(CMAKE_CROSSCOMPILING)
+  # Debian's tools find the libraries' packages only on the machine itself: tools/package names them.
+  set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE ${DEBIAN_ARCH})
+else()
+  set(CPACK_DEBIAN_MEDIAPROXY-DRIVER_PACKAGE_SHLIBDEPS ON)
+endif()
+
 set(CPACK_DEBIAN_MEDIAPROXY_PACKAGE_NAME mediaproxy)
 set(CPACK_DEBIAN_MEDIAPROXY_PACKAGE_SECTION sound)
 set(CPACK_DEBIAN_MEDIAPROXY_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_MEDIAPROXY_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_SOURCE_DIR}/triggers)
-set(CPACK_DEBIAN_MEDIAPROXY_PACKAGE_SUGGESTS "mpd, python3")
-set(CPACK_DEBIAN_MEDIAPROXY_DESCRIPTION "media proxy driver and its bench host
-media.so is a plug-in for a home-automation controller's driver host. It
-stands between a music player and the controller's user interfaces.
-.
-driverhost loads it, or another driver, on a desk, with a stand-in for the
-controller: it plays sessions, checks cases, binds a running player and
-serves a page that shows what user interfaces see. mpd-player is a player
-that speaks for MPD.")
+set(CPACK_DEBIAN_MEDIAPROXY_PACKAGE_DEPENDS "mediaproxy-driver (= ${PROJECT_VERSION}-1), python3")
+set(CPACK_DEBIAN_MEDIAPROXY_PACKAGE_SUGGESTS "mpd, webp-pixbuf-loader")
+set(CPACK_DEBIAN_MEDIAPROXY_DESCRIPTION "bench host for the media proxy driver
+driverhost loads the media proxy driver, or another driver, on a desk, with
+a stand-in for the controller: it plays sessions, checks cases, binds a
+running player and serves a page that shows what user interfaces see.
+mpd-player is a player that speaks for MPD.")
 
 set(CPACK_DEBIAN_MEDIAPROXY-DEV_PACKAGE_NAME mediaproxy-dev)
 set(CPACK_DEBIAN_MEDIAPROXY-DEV_PACKAGE_SECTION libdevel)
@@ -65,6 +57,6 @@ foreach(file changelog changelog.Debian)
   list(APPEND changelogs ${CMAKE_CURRENT_BINARY_DIR}/${file}.gz)
 endforeach()
 add_custom_target(changelogs ALL DEPENDS ${changelogs})
-foreach(component mediaproxy mediaproxy-dev)
+foreach(component ${CPACK_COMPONENTS_ALL})
   install(FILES copyright ${changelogs} DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${component} COMPONENT ${component})
 endforeach()
