@@ -27,7 +27,7 @@ def mutants_of_line(line):
         return
     for pair in SWAPS:
         for old, new in (pair, pair[::-1]):
-            pattern = re.escape(old) if not old[0].isalpha() else r"\b%s\b" % re.escape(old)
+            pattern = re.escape(old) if not old[0].isalpha() else rf"\b{re.escape(old)}\b"
             for found in re.finditer(pattern, code):
                 yield line[:found.start()] + new + line[found.end():]
     for found in re.finditer(r"(?<![\w.\"])\d+(?=[^\w\".]|U)", code):
@@ -73,7 +73,8 @@ class Worker:
         for program in ("mediaproxy_tests", "mediaproxy_faults"):
             command = [self.build / "bin" / program, "--gtest_brief=1", "--gtest_filter=" + self.filter]
             try:
-                run = subprocess.run(command, env=environment, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=120)
+                run = subprocess.run(command, env=environment, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=120,
+                                     check=False)
             except subprocess.TimeoutExpired:
                 return [b"timeout"]
             if run.returncode != 0:
@@ -87,7 +88,7 @@ class Worker:
         path.write_text("".join(text))
         try:
             built = subprocess.run(["cmake", "--build", self.build, "-j1", "--target", "mediaproxy_tests"], stdout=subprocess.DEVNULL,
-                                   stderr=subprocess.DEVNULL)
+                                   stderr=subprocess.DEVNULL, check=False)
             outcome = "unbuildable" if built.returncode else "killed" if self.failing() else "SURVIVED"
         finally:
             path.write_text(whole)
