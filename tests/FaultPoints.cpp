@@ -73,6 +73,11 @@ void operator delete(void* block) noexcept {
 
 void operator delete(void* block, std::size_t) noexcept { operator delete(block); }
 
+// For std::pmr, which asks for no more than malloc's own alignment.
+void* operator new(std::size_t size, std::align_val_t) { return operator new(size); }
+
+void operator delete(void* block, std::size_t, std::align_val_t) noexcept { operator delete(block); }
+
 #else
 
 extern "C" {

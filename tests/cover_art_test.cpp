@@ -1,4 +1,4 @@
-#include "driverhost/Base64.h"
+#include "session/Base64.h"
 #include "tests/bench/Bench.h"
 
 #include <gtest/gtest.h>
@@ -23,7 +23,7 @@ Step Cover(const std::string& format, const std::string& bytes, const std::strin
                               {"format", format},
                               {"height", height},
                               {"width", width},
-                              {"cover_art", driverhost::EncodeBase64(bytes)}});
+                              {"cover_art", session::EncodeBase64(bytes)}});
 }
 
 std::string Announced(const std::string& width, const std::string& height) {

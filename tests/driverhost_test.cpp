@@ -1,5 +1,7 @@
-#include "driverhost/Comparison.h"
-#include "driverhost/Session.h"
+#include "driverhost/check/Comparison.h"
+#include "driverhost/run/Step.h"
+#include "driverprocess/Delivery.h"
+#include "session/Case.h"
 #include "tests/bench/Bench.h"
 
 #include <gmock/gmock.h>
@@ -34,7 +36,7 @@ Ended Shell(const std::string& command, const std::string& session = "") {
   std::ofstream(path + 's', std::ios::binary) << session;
   const std::string whole =
       "cd " + path + " && export TMPDIR=. " PROGRAMS " S=" SESSIONS " MOST=" + std::to_string(ULONG_MAX) +
-      " && bad() { echo '{\"command\":\"'$1'\"}' | $D check --driver $BAD --timeout ${2:-30} - s; }"
+      " && bad() { echo '{\"command\":\"'$1'\"}' | $D check --driver $BAD --timeout ${2:-30} $3 - s; }"
       " && (" +
       command + ") >out 2>err";
   const int status = std::system(whole.c_str());
@@ -58,16 +60,18 @@ TEST(Driverhost, PlaysARecordedEveningAsItDidBefore) {
 
 TEST(Driverhost, WritesPicturesThatDecode) {
   for (const char* name : {"/covers.ndjson", "/demo.ndjson"}) {
-    driverhost::Session session(SESSIONS + std::string(name));
+    session::LineSplitter lines;
+    lines.Append(ReadFile(SESSIONS + std::string(name)));
+    const fs::path folder = SESSIONS;
     Bench bench;
     std::size_t pictures = 0;
-    while (const auto step = session.Next()) {
-      const auto* notify = std::get_if<driverhost::Notify>(&step->call);
-      if (!notify) continue;
-      bench.host.Notify(*notify->message);
-      const std::string format = notify->message->GetParamText("format");
-      if (format != "JPEG" && format != "RGB565" && format != "RGB888") continue;
-      EXPECT_EQ(std::system(("djpeg " + bench.root + "ipod/7/coverart.jpg >/dev/null").c_str()), 0) << step->line;
+    while (const auto line = lines.Next()) {
+      if (session::KindOf(*line) != session::LineKind::Step) continue;
+      const auto step = driverhost::ReadStep(*line, driverhost::From::Session, name, &folder);
+      driverprocess::Deliver(bench.host, step.line.action);
+      const auto* notify = std::get_if<session::Notify>(&step.line.action);
+      if (!notify || notify->name != "NEW_COVERART" || !bench.Picture()) continue;
+      EXPECT_EQ(std::system(("djpeg " + bench.root + "ipod/7/coverart.jpg >/dev/null").c_str()), 0) << step.place;
       ++pictures;
     }
     EXPECT_GE(pictures, 3U);

@@ -1,15 +1,15 @@
-#include "driverhost/Base64.h"
-#include "driverhost/Documents.h"
-#include "driverhost/HttpRules.h"
-#include "driverhost/HttpServer.h"
-#include "driverhost/JpegSize.h"
-#include "driverhost/Legible.h"
-#include "driverhost/LineSplitter.h"
-#include "driverhost/NearestWord.h"
+#include "driverhost/text/Documents.h"
+#include "driverhost/web/WebAddress.h"
+#include "driverhost/web/WebRules.h"
+#include "driverprocess/JpegSize.h"
+#include "session/Base64.h"
+#include "session/Legible.h"
+#include "session/LineSplitter.h"
+#include "session/NearestWord.h"
+#include "session/Utf8.h"
 #include "standin/Utf8.h"
 #include "tests/bench/Bench.h"
 
-#include <boost/asio/ip/address.hpp>
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -17,7 +17,7 @@
 #include <fstream>
 #include <random>
 
-using driverhost::LineSplitter;
+using session::LineSplitter;
 using testing::ElementsAreArray;
 using testing::HasSubstr;
 
@@ -104,7 +104,7 @@ TEST(Edges, Utf8IsReadAsDefined) {
           const std::size_t length = ValidLength(text);
           ASSERT_EQ(read.valid, length != 0) << testing::PrintToString(text);
           ASSERT_TRUE(length == 0 ? read.length >= 1 && read.length <= 3 : read.length == length);
-          ASSERT_EQ(driverhost::IsUtf8(text.substr(0, read.length)), read.valid);
+          ASSERT_EQ(session::IsUtf8(text.substr(0, read.length)), read.valid);
         }
       }
     }
@@ -123,17 +123,17 @@ TEST(Edges, TheNearestWordIsTheNearest) {
     const std::string written = word();
     const auto farther = [&](const auto& one, const auto& two) { return Edits(written, one) < Edits(written, two); };
     const std::string nearest = *std::min_element(words.begin(), words.end(), farther);
-    EXPECT_EQ(driverhost::NearestWord(written, words), Edits(written, nearest) <= 2 ? nearest : "") << written;
+    EXPECT_EQ(session::NearestWord(written, words), Edits(written, nearest) <= 2 ? nearest : "") << written;
   }
-  EXPECT_EQ(driverhost::NearestWord("abc", {"abd"}), "");
-  EXPECT_EQ(driverhost::NearestWord("reset_all", {"reset_al", "RESET_ALL"}), "RESET_ALL");
+  EXPECT_EQ(session::NearestWord("abc", {"abd"}), "");
+  EXPECT_EQ(session::NearestWord("reset_all", {"reset_al", "RESET_ALL"}), "RESET_ALL");
 }
 
 TEST(Edges, AJpegHasASizeOnceItsHeaderIsThere) {
   const std::string file = ReadFile(SESSIONS "/pictures/record-96x96.jpg");
   std::size_t needed = 0;
   for (std::size_t size = 0; size <= file.size(); ++size) {
-    const auto read = driverhost::ReadJpegSize(std::string(file, 0, size));  // a copy, whose end a sanitizer guards
+    const auto read = driverprocess::ReadJpegSize(std::string(file, 0, size));  // a copy, whose end a sanitizer guards
     if (!read && needed != 0) ADD_FAILURE() << "lost after " << size;
     if (!read || needed != 0) continue;
     needed = size;
@@ -143,7 +143,7 @@ TEST(Edges, AJpegHasASizeOnceItsHeaderIsThere) {
   std::string broken = file;
   broken[3] ^= 1;
   for (const std::string& other : {broken.substr(1), std::string("\xFF\xD8\xFF\xFF\xC4\0\6\0\1\0\2\xFF\xD9\0\0", 15)}) {
-    EXPECT_FALSE(driverhost::ReadJpegSize(other));
+    EXPECT_FALSE(driverprocess::ReadJpegSize(other));
   }
 }
 
@@ -151,13 +151,13 @@ TEST(Edges, Base64HasOneTextForEachBytes) {
   for (std::size_t size = 0; size < 70; ++size) {
     std::string bytes(size, '\xA5');
     for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<char>(i * 37 + size);
-    const std::string text = driverhost::EncodeBase64(bytes);
-    EXPECT_EQ(driverhost::DecodeBase64(text), bytes);
-    const auto cut = driverhost::DecodeBase64(text.substr(0, size == 0 ? 0 : text.size() - 1));
+    const std::string text = session::EncodeBase64(bytes);
+    EXPECT_EQ(session::DecodeBase64(text), bytes);
+    const auto cut = session::DecodeBase64(text.substr(0, size == 0 ? 0 : text.size() - 1));
     EXPECT_EQ(cut.has_value(), size == 0) << text;
   }
   for (const char* wrong : {"A", "AB", "ABC", "=", "====", "A===", "AB=C", "AB\nCD", "AB-_", "ABC\xFF"}) {
-    EXPECT_EQ(driverhost::DecodeBase64(wrong), std::nullopt) << wrong;
+    EXPECT_EQ(session::DecodeBase64(wrong), std::nullopt) << wrong;
   }
 }
 
@@ -175,9 +175,9 @@ TEST(Edges, TextForATerminalIsLegibleAndFits) {
   };
   const std::string locale = std::setlocale(LC_CTYPE, nullptr);
   ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);  // for the widths of characters
-  for (const auto& [text, columns, shown] : cases) EXPECT_EQ(driverhost::Cut(text, columns), shown);
+  for (const auto& [text, columns, shown] : cases) EXPECT_EQ(session::Cut(text, columns), shown);
   std::setlocale(LC_CTYPE, locale.c_str());
-  EXPECT_THAT(driverhost::Legible(std::string(1000, 'x'), 60), HasSubstr("x... (1000 bytes)"));
+  EXPECT_THAT(session::Legible(std::string(1000, 'x'), 60), HasSubstr("x... (1000 bytes)"));
 }
 
 TEST(Edges, DocumentsDifferWhereTheyFirstDo) {
@@ -198,7 +198,7 @@ TEST(Edges, DocumentsDifferWhereTheyFirstDo) {
 TEST(Edges, AHostIsTheAddressServed) {
   const Directory page;
   std::ofstream(page.path + "index.html") << "page";
-  const driverhost::HttpRules rules(page.path, page.path);
+  const driverhost::WebRules rules(page.path, page.path, "");
   const std::tuple<const char*, const char*, bool> cases[] = {
       {"8080", "127.0.0.1:8080", true},
       {"8080", "localhost:8080", true},
@@ -216,13 +216,12 @@ TEST(Edges, AHostIsTheAddressServed) {
       {"[::ffff:10.0.0.7]:8080", "10.0.0.7:8080", true},
   };
   for (const auto& [served, host, letIn] : cases) {
-    driverhost::HttpHeader header;
-    header.method(boost::beast::http::verb::get);
-    header.target("/");
-    header.set(boost::beast::http::field::host, host);
-    EXPECT_EQ(!rules.Refusal(header, driverhost::ReadEndpoint(served)), letIn) << served << ' ' << host;
-    header.insert(boost::beast::http::field::host, host);
-    EXPECT_TRUE(rules.Refusal(header, driverhost::ReadEndpoint(served))) << "twice " << host;
+    driverhost::WebRequest request;
+    request.method = "GET";
+    request.target = "/";
+    request.names = driverhost::HostNames(driverhost::ReadEndpoint(served));
+    request.host = host;
+    EXPECT_EQ(!rules.Refusal(request), letIn) << served << ' ' << host;
   }
   for (const char* wrong : {"", ":", "65536", "-1", "8080x", "localhost:8080", "[::1]", "1.2.3:80", "127.0.0.1:"}) {
     EXPECT_THROW(driverhost::ReadEndpoint(wrong), std::runtime_error) << wrong;

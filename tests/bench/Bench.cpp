@@ -61,7 +61,7 @@ void Recorder::OnVariable(Change change, unsigned long id, const std::string& na
   lines.push_back(words[static_cast<int>(change)] + (' ' + std::to_string(id)) + ' ' + name + '=' + value);
 }
 
-void Recorder::OnEvent(unsigned long id) { lines.push_back("event " + std::to_string(id)); }
+void Recorder::OnEvent(unsigned long id, const std::string&) { lines.push_back("event " + std::to_string(id)); }
 
 void Recorder::OnUi(const std::string& xml) { lines.push_back("ui " + Checked(xml)); }
 

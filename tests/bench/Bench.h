@@ -32,7 +32,7 @@ class Recorder : public standin::Observer {
   std::vector<std::string> Take();
 
   void OnVariable(Change change, unsigned long id, const std::string& name, const std::string& value) override;
-  void OnEvent(unsigned long id) override;
+  void OnEvent(unsigned long id, const std::string& label) override;
   void OnUi(const std::string& xml) override;
   void OnRooms(const std::string& command, const standin::Params& params) override;
   void OnDevice(unsigned long binding, const std::string& command, const standin::Params& params,
