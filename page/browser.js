@@ -78,7 +78,8 @@ export class Browser {
   mark(row, index) {
     const { page } = this.#lists;
     const { item } = row;
-    const isPlaying = Boolean(item && isPlayable(item) && item.text && item.text === this.#store.media.values.media_info_1);
+    const { media_info_1: title, media_info_2: artist } = this.#store.media.values;
+    const isPlaying = Boolean(item && isPlayable(item) && item.text && [title, `${title} – ${artist}`].includes(item.text));
     row.classList.toggle('playing', isPlaying);
     if (isPlaying) row.setAttribute('aria-current', 'true');
     else row.removeAttribute('aria-current');

@@ -79,7 +79,7 @@ class Live(PageCase):
                     ('lists', lambda: self.page.click('nav [data-panel=browse]'), 'paused 0 off off off', 'nav [aria-pressed=true]', 'Browse'),
                     ('menu', lambda: self.page.click('#no-list button'), 'paused 0 off off off', '#list-title', 'Music player'),
                     ('queue', lambda: self.click_item('Queue'), 'paused 0 off off off', '#list-title', 'Queue'),
-                    ('song', lambda: self.click_item('くらげ'), 'playing 3 off off off', '#list .playing .text', 'くらげ'),
+                    ('song', lambda: self.click_item('くらげ – 水無瀬'), 'playing 3 off off off', '#list .playing .text', 'くらげ – 水無瀬'),
                     ('player', lambda: self.page.click('nav [data-panel=player]'), 'playing 3 off off off', '#info dd', 'くらげ', '水無瀬', '夜'),
                     ('pause', lambda: self.page.click('#play'), 'paused 3 off off off', '#play-status', 'Paused'),
                     ('previous', lambda: self.page.click('[data-command=SKIP_REV]'), 'playing 2 off off off', '#queue', '2 of 4'),
