@@ -1,5 +1,4 @@
 """What the tests of players share: a player under test, a real MPD, one that misbehaves, and music for them."""
-import base64
 import itertools
 import json
 import os

@@ -9,7 +9,7 @@ const options = {
   lint: {
     select: ['B', 'C4', 'E', 'F', 'I', 'PIE', 'PLE', 'PLW', 'RET', 'UP', 'W'],
     ignore: ['B023', 'B905', 'E501', 'E731'],
-    isort: { 'known-first-party': ['page_test', 'players_test'] },
+    isort: { 'known-first-party': ['browser', 'figures', 'page_case', 'players_test', 'scripted', 'served', 'timeline_test'] },
   },
 };
 

@@ -110,7 +110,6 @@ def both(case):
     for name in ('chromium', 'firefox'):
         made = type(f'{case.__name__}In{name.title()}', (case,), {'browser_name': name, '__module__': case.__module__})
         setattr(module, made.__name__, made)
-    return None
 
 
 def run():

@@ -1,10 +1,10 @@
 """The page's files and a traffic that a test writes, in place of the program."""
 
 import contextlib
-from http import HTTPStatus
 import json
 import mimetypes
 import pathlib
+from http import HTTPStatus
 
 import websockets
 

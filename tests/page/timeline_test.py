@@ -117,7 +117,7 @@ class Timeline(PageCase):
         self.page.run(TAKEN)
         self.page.click('#save-session')
         session = self.page.run('return saved.text()').splitlines()
-        self.assertEqual([{key for key in json.loads(line)} for line in session], [{'at', 'bind', 'class'}, {'at', 'notify', 'params'}, {'at', 'notify', 'params'}])
+        self.assertEqual([set(json.loads(line)) for line in session], [{'at', 'bind', 'class'}, {'at', 'notify', 'params'}, {'at', 'notify', 'params'}])
         self.page.click('#save-case')
         self.assertEqual(self.page.run('return savedAs'), 'light-case.ndjson')
         case = self.page.run('return saved.text()')

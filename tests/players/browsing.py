@@ -5,7 +5,6 @@ sys.path.insert(0, __file__.rpartition("/players/")[0])
 from players_test import Device, flac, run
 
 
-
 def actions(subject):
     return (f"actions:{subject}", "Play or add all")
 

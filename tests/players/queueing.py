@@ -5,7 +5,6 @@ sys.path.insert(0, __file__.rpartition("/players/")[0])
 from players_test import Device, run
 
 
-
 def queue_of(mpd):
     """Which songs are queued, by the letter of their file, and which of them MPD plays."""
     songs = "".join(line[-6] for line in mpd.ask("playlistinfo") if line.startswith("file: "))

@@ -2,8 +2,7 @@
 import sys
 
 sys.path.insert(0, __file__.rpartition("/players/")[0])
-from players_test import BOUND, Device, run
-
+from players_test import Device, run
 
 BROWSING = ("NEW_MENU", "ADD_MENU_ITEM", "NEW_LIST", "ADD_LIST_ITEM", "LIST_CHANGED")
 
