@@ -30,6 +30,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string>
 
@@ -183,6 +184,8 @@ int main(int argc, char** argv) {
   } catch (const SessionError& error) {
     std::fprintf(stderr, "%s\n", error.what());
     status = s_InputWrong;
+  } catch (const std::bad_alloc&) {
+    std::fputs("driverhost: there is too little memory\n", stderr);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "driverhost: %s\n", session::Legible(error.what(), 1000).c_str());
   }

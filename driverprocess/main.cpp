@@ -7,6 +7,8 @@
 #include "driverprocess/Life.h"
 #include "session/ReadLine.h"
 
+#include <sys/prctl.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -37,6 +39,8 @@ int main(int argc, char** argv) {
     std::fputs("driverprocess is started by driverhost\n", stderr);
     return 2;
   }
+  std::setvbuf(stdout, nullptr, _IOLBF, 0);  // what a driver prints is seen at once
+  prctl(PR_SET_CHILD_SUBREAPER, 1);          // what it starts stays below it, where Leftovers looks
   try {
     Connection connection(s_Socket);
     ReportLastSignal(connection.Descriptor());

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <climits>
 #include <optional>
 #include <set>
 #include <stdexcept>
@@ -317,7 +318,7 @@ TEST_F(Probe, IsReportedOnAThreadOfItsOwn) {
 }
 
 TEST_F(Probe, IsSeenReading) {
-  const standin::Params params = {{"number", "18446744073709551615"}, {"text", "t"}, {"value", "v"}};
+  const standin::Params params = {{"number", std::to_string(ULONG_MAX)}, {"text", "t"}, {"value", "v"}};
   const auto message = standin::MakeCommand("READ", params);
   m_Host.Request(*standin::MakeCommand("READ", {{"has", "1"}}));
   EXPECT_EQ(m_Recorder.Take(), (Lines{"request READ has has=1", "request READ number number", "request READ text text",
@@ -329,7 +330,7 @@ TEST_F(Probe, IsSeenReading) {
   }
   m_Host.Execute(*message);
   EXPECT_EQ(m_Recorder.Take(),
-            (Lines{"command READ has has", "command READ number number=18446744073709551615 is a number",
+            (Lines{"command READ has has", "command READ number number=" + std::to_string(ULONG_MAX) + " is a number",
                    "command READ text text=t", "command READ value value=v", "OWN", "a|STRING|b"}));
   Ntf("READ", {{"value", "7"}})(m_Host);
   EXPECT_EQ(m_Recorder.Take(), (Lines{"notification READ text text", "notification READ value value=7"}));

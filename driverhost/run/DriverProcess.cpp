@@ -121,6 +121,7 @@ bool DriverProcess::ReadLines() {
   const ssize_t size = recv(m_Socket.native_handle(), part.data(), part.size(), MSG_DONTWAIT);
   if (size < 0) return errno == EINTR || errno == EAGAIN;
   if (size == 0) return false;
+  for (Printed& printed : m_Printed) ReadAllPrinted(printed);  // before what came after it
   m_Lines.Append({part.data(), static_cast<std::size_t>(size)});
   while (const auto line = m_Lines.Next()) m_Events.onLine(line->tooLong ? "" : line->text);
   return true;
@@ -142,6 +143,12 @@ bool DriverProcess::ReadPrinted(Printed& printed) {
     m_Events.onPrinted(line->tooLong ? "a line of more than 64 KiB" : line->text, printed.output);
   }
   return size > 0;
+}
+
+void DriverProcess::ReadAllPrinted(Printed& printed) {
+  int bytes = 0;
+  while (ioctl(printed.stream.native_handle(), FIONREAD, &bytes) == 0 && bytes > 0)
+    ReadPrinted(printed);
 }
 
 void DriverProcess::Signal(int signal) const {
@@ -167,9 +174,7 @@ void DriverProcess::OnExit(int status) {
   while (HasUnread() && ReadLines()) {
   }
   for (Printed& printed : m_Printed) {
-    int bytes = 0;
-    while (ioctl(printed.stream.native_handle(), FIONREAD, &bytes) == 0 && bytes > 0)
-      ReadPrinted(printed);
+    ReadAllPrinted(printed);
     printed.lines.End();
     while (const auto line = printed.lines.Next()) m_Events.onPrinted(line->text, printed.output);
     printed.stream.close();

@@ -78,6 +78,7 @@ class DriverProcess {
   bool ReadLines();
   void WaitForPrinted(Printed& printed);
   bool ReadPrinted(Printed& printed);
+  void ReadAllPrinted(Printed& printed);
   void OnExit(int status);
 
   Loop& m_Loop;

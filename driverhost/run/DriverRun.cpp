@@ -198,6 +198,7 @@ void DriverRun::FinishStep() {
     m_Phase = Phase::Unloading;
   }
   m_OwedBytes -= m_Owed.front().text.size();
+  m_Last = std::move(m_Owed.front());
   m_Owed.pop_front();
   if (!m_Owed.empty()) BeginStep();
 }
@@ -265,7 +266,7 @@ void DriverRun::OnReport(std::string_view line) {
   } else if (kind == "label") {
     m_Traffic.OnLabel(report.at("event").get<unsigned long>(), value.get<std::string>());
   } else if (kind == "hint") {
-    m_Traffic.OnHint(m_Owed.empty() ? Step() : m_Owed.front(),
+    m_Traffic.OnHint(m_Owed.empty() ? m_Last : m_Owed.front(),
                      session::Legible(value.get<std::string>(), s_LongestText));
   } else if (kind == "misuse") {
     m_Verdict.FailDriver(Where() + ": " +
@@ -308,7 +309,7 @@ void DriverRun::OnNonsense() {
 void DriverRun::OnPrinted(std::string_view line, bool output) {
   m_Console.Tell("driver: " + session::Legible(line, s_LongestText));
   if (output) {
-    m_Traffic.OnHint(m_Owed.empty() ? Step() : m_Owed.front(),
+    m_Traffic.OnHint(m_Owed.empty() ? m_Last : m_Owed.front(),
                      "the driver writes to standard output");
   }
 }

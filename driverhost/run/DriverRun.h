@@ -102,6 +102,7 @@ class DriverRun {
   Clock::time_point m_OwedSince;
   std::optional<Clock::time_point> m_HandlingSince;  // what has come; this is not the driver's time
   std::deque<Step> m_Owed;                           // the first is the one that the driver is at
+  Step m_Last;                                       // the newest that is over
   std::size_t m_OwedBytes = 0;
   bool m_HasBegun = false;  // the first of them
   std::size_t m_RecordsOfStep = 0;

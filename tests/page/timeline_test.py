@@ -68,6 +68,7 @@ class Timeline(PageCase):
         self.page.run(TAKEN)
         more = self.traffic.level(60)
         self.say(*more)
+        until('all rows', lambda: len(self.rows()) == len(ROWS) + len(more))
         self.page.click('#rows .body .what', 7)
         self.page.shows('#details .facts', 'at 1.510700 s · 500 ms after the step before · nothing came of it: no handler – did you mean LIGHT_LEVEL_CHANGED?')
         self.page.click('#rows .body .ui', 1)
