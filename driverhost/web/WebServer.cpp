@@ -76,7 +76,9 @@ class WebServer::Core : public std::enable_shared_from_this<Core> {
       : m_Post(std::move(post)),
         m_Token(MakeToken(options.address)),
         m_Door{WebRules(options.pageFolder, options.imageRoot, m_Token),
-               LineTurns([this](std::string line, auto done) { Post(std::move(line), done); }),
+               LineTurns([this](std::string line, std::function<void(LineAnswer)> done) {
+                 Post(std::move(line), std::move(done));
+               }),
                [this](const auto& client) { m_Clients.push_back(client); },
                std::make_shared<const std::string>(RegisteredObject({}))},
         m_Acceptor(Listen(m_Loop, options.address)) {}

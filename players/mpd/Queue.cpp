@@ -71,7 +71,7 @@ void Queue::Play(const std::string& id, Ended ended) {
   PlayHere({{}, {}, value}, CommandFor(id), std::move(ended));
 }
 
-void Queue::PlayHere(const QueueItem& item, AddCommand otherwise, Ended ended) {
+void Queue::PlayHere(const QueueItem& item, AddCommand otherwise, const Ended& ended) {
   if (!item.range.empty()) otherwise = nullptr;
   Locate(
       item,
@@ -84,7 +84,7 @@ void Queue::PlayHere(const QueueItem& item, AddCommand otherwise, Ended ended) {
 }
 
 // The queue does not say from which playlist its songs came, but which parts of which files.
-void Queue::PlayTrack(const std::string& id, Ended ended) {
+void Queue::PlayTrack(const std::string& id, const Ended& ended) {
   const Place place = SplitPlace(SplitId(id).second);
   const auto track = std::make_shared<NthSong>(NthSong{Number(place.number), 0, {}});
   m_Link.AskNext(
@@ -123,7 +123,7 @@ Queue::AddCommand Queue::CommandFor(const std::string& id) {
               std::to_string(Number(place.number) + 1));
 }
 
-void Queue::Insert(AddCommand command, Where where, bool play, Ended ended) {
+void Queue::Insert(AddCommand command, Where where, bool play, const Ended& ended) {
   command({});  // says so at once when there is no such command
   AskExtent(
       [this, command = std::move(command), where, play, ended](Extent extent) {
@@ -134,7 +134,7 @@ void Queue::Insert(AddCommand command, Where where, bool play, Ended ended) {
 }
 
 void Queue::InsertAt(const AddCommand& command, Extent extent, std::size_t place, bool play,
-                     Ended ended) {
+                     const Ended& ended) {
   const auto length = std::make_shared<std::size_t>(0);
   const std::string number = std::to_string(place);
   m_Link.AskNext({CommandList(command(place < extent.length ? number : "") + "\nstatus"),
@@ -148,12 +148,12 @@ void Queue::InsertAt(const AddCommand& command, Extent extent, std::size_t place
                   })});
 }
 
-void Queue::Remove(const std::string& id, Ended ended) {
+void Queue::Remove(const std::string& id, const Ended& ended) {
   LocateItem(
       id, [this, ended](const Song& song) { Ask("deleteid " + Argument(song.id), ended); }, ended);
 }
 
-void Queue::Move(const std::string& id, std::size_t to, Ended ended) {
+void Queue::Move(const std::string& id, std::size_t to, const Ended& ended) {
   LocateItem(
       id,
       [this, to, ended](const Song& song) {
@@ -206,7 +206,7 @@ void Queue::Locate(const QueueItem& item, OnFound then, Ended ended) {
             [songs, item, then = std::move(then)] { then(Nearest(songs->all, item)); })});
 }
 
-void Queue::LocateItem(const std::string& id, OnFound then, Ended ended) {
+void Queue::LocateItem(const std::string& id, OnFound then, const Ended& ended) {
   const auto [kind, value] = SplitId(id);
   if (kind != "queue:") throw std::invalid_argument("ID must be an item of the queue");
   Locate(

@@ -24,8 +24,8 @@ class Queue {
   // An item of the queue is moved, or just played.
   void Add(const std::string& id, Where where, Ended ended);
 
-  void Remove(const std::string& id, Ended ended);
-  void Move(const std::string& id, std::size_t to, Ended ended);
+  void Remove(const std::string& id, const Ended& ended);
+  void Move(const std::string& id, std::size_t to, const Ended& ended);
 
  private:
   // What MPD says of the queue: how long it is, and the place of the song that plays or would, the
@@ -38,11 +38,11 @@ class Queue {
   using OnFound = std::function<void(const Song& song)>;
 
   static AddCommand CommandFor(const std::string& id);
-  void PlayHere(const QueueItem& item, AddCommand otherwise, Ended ended);
-  void PlayTrack(const std::string& id, Ended ended);
-  void Insert(AddCommand command, Where where, bool play, Ended ended);
+  void PlayHere(const QueueItem& item, AddCommand otherwise, const Ended& ended);
+  void PlayTrack(const std::string& id, const Ended& ended);
+  void Insert(AddCommand command, Where where, bool play, const Ended& ended);
   void InsertAt(const AddCommand& command, Extent extent, std::size_t place, bool play,
-                Ended ended);
+                const Ended& ended);
   void MoveItem(const std::string& id, Where where, Ended ended);
   void Ask(const std::string& command, Ended ended);
   void AskExtent(std::function<void(Extent extent)> then, Ended ended);
@@ -51,7 +51,7 @@ class Queue {
   void Locate(const QueueItem& item, OnFound then, Ended ended);
 
   // The same for an item's id, and it is an error when it is not there.
-  void LocateItem(const std::string& id, OnFound then, Ended ended);
+  void LocateItem(const std::string& id, OnFound then, const Ended& ended);
 
   Link& m_Link;
 };
