@@ -92,8 +92,8 @@ Bench::Bench(const CommandLine& commandLine, Loop& loop, Console& theConsole)
 
 void Bench::Serve(std::optional<Page>& page, Loop& loop, Page::Deliver deliver) {
   if (!line.http) return;
-  page.emplace(loop, WebOptions{*line.http, line.page, imageRoot.Path()}, line.httpNotify, console,
-               std::move(deliver));
+  page.emplace(loop, WebOptions{*line.http, line.page, imageRoot.Path()}, line.process.driver,
+               line.httpNotify, console, std::move(deliver));
   traffic.Add(*page);
 }
 

@@ -83,7 +83,7 @@ class Misbehaviour(unittest.TestCase):
                          for moment in ('constructor', 'request', 'state') for act, words in LEFT.items() if act != 'THREAD'])
         self.expect_all([('replay --trace', 'request THREAD', 'hint: the driver has left a thread', 1)])
         played = Played('replay', 'request PRINT')
-        for line in ('driver: \\\\x1Bprinted\n', 'driver: told\n', ':3: hint: the driver writes to standard output\n'):
+        for line in ('driver: \\\\x1Bprinted\n', 'driver: told\n', '-:[123]: hint: the driver writes to standard output\n'):
             self.assertRegex(played.error, line)
 
     def test_nobody_waits_for_what_is_left(self):

@@ -5,6 +5,7 @@ import contextlib
 import json
 import os
 import random
+import signal
 import socket
 import struct
 import sys
@@ -222,6 +223,21 @@ class Traffic(Served):
         with self.assertRaisesRegex(EOFError, '1001'):
             client.until(lambda each: False)
         self.program.process.wait(60)
+
+    def test_what_the_driver_is_and_how_it_ended(self):
+        client = self.listen()
+        self.program.say(notify('PLAY_STATUS_CHANGED', play_status='Playing'))
+        *_, about = client.until(lambda each: each.get('reads'))
+        self.assertEqual((os.path.basename(about['file']), about['notify'], about['reads']),
+                         ('media.so', False, {'notify PLAY_STATUS_CHANGED': ['play_status']}))
+        with open(f'/proc/{self.program.process.pid}/task/{self.program.process.pid}/children', encoding='ascii') as children:
+            for child in children.read().split():
+                if 'driverprocess' in os.readlink(f'/proc/{child}/exe'):
+                    os.kill(int(child), signal.SIGKILL)
+        self.assertEqual(client.until(lambda each: 'ended' in each)[-1],
+                         {'ended': 'driver', 'text': 'the driver ended its process (SIGKILL) between two steps'})
+        self.status = self.program.process.wait(60)
+        self.assertEqual(self.status, 1)
 
     def test_one_that_is_slower_hears_what_it_has_missed(self):
         for count, size in ((25000, 1000), (8, 8000000)):

@@ -5,7 +5,7 @@
 namespace driverhost {
 
 // Each line of progress is overwritten by the next one; the last one is erased.
-void Progress::OnEnd() {
+void Progress::OnEnd(const std::string& /*why*/) {
   if (m_Told) std::fputs("\r\033[K", stderr);
 }
 

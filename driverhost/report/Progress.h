@@ -3,6 +3,7 @@
 #include "driverhost/run/Traffic.h"
 
 #include <chrono>
+#include <string>
 
 namespace driverhost {
 
@@ -10,7 +11,7 @@ namespace driverhost {
 class Progress : public TrafficSink {
  public:
   void OnStep(const Step& step) override;
-  void OnEnd() override;
+  void OnEnd(const std::string& why) override;
 
  private:
   using Clock = std::chrono::steady_clock;

@@ -2,6 +2,8 @@
 
 #include "session/WriteLine.h"
 
+#include <nlohmann/json.hpp>
+
 #include <array>
 #include <cstdio>
 
@@ -37,6 +39,12 @@ std::string TraceOf(const Step& step) {
 
 std::string TraceOf(const Step& step, const session::Record& record) {
   return Head(step.number, SecondsSinceStart()).append(record.Json(), 1);
+}
+
+std::string TraceOf(const Step& step, const char* key, const std::string& text) {
+  using Json = nlohmann::json;
+  return Head(step.number, SecondsSinceStart())
+      .append(Json{{key, text}}.dump(-1, ' ', false, Json::error_handler_t::replace), 1);
 }
 
 }  // namespace driverhost

@@ -13,4 +13,7 @@ namespace driverhost {
 std::string TraceOf(const Step& step);
 std::string TraceOf(const Step& step, const session::Record& record);
 
+// What has just been said of a step or in it, {"step":3,"at":1.204191,"KEY":TEXT}.
+std::string TraceOf(const Step& step, const char* key, const std::string& text);
+
 }  // namespace driverhost

@@ -307,11 +307,11 @@ void DriverRun::OnNonsense() {
 }
 
 void DriverRun::OnPrinted(std::string_view line, bool output) {
-  m_Console.Tell("driver: " + session::Legible(line, s_LongestText));
-  if (output) {
-    m_Traffic.OnHint(m_Owed.empty() ? m_Last : m_Owed.front(),
-                     "the driver writes to standard output");
-  }
+  const Step& step = m_Owed.empty() ? m_Last : m_Owed.front();
+  const std::string text = session::Legible(line, s_LongestText);
+  m_Console.Tell("driver: " + text);
+  m_Traffic.OnPrinted(step, text);
+  if (output) m_Traffic.OnHint(step, "the driver writes to standard output");
 }
 
 std::string DriverRun::Where() const {
@@ -334,6 +334,7 @@ std::string DriverRun::Where() const {
 void DriverRun::Tell(const std::string& what) {
   if (std::exchange(m_Told, true)) return;
   m_TakesLines = false;
+  m_Why = what;
   m_Verdict.FailDriver(what);
 }
 
@@ -356,7 +357,7 @@ void DriverRun::OnExit(int status) {
   StopTakingLines();
   m_Owed.clear();
   m_HasEnded = true;
-  m_Traffic.OnEnd();
+  m_Traffic.OnEnd(m_Why);
   m_Console.Flush();
   m_OnProgress();
 }

@@ -118,6 +118,7 @@ class DriverRun {
   bool m_Destroying = false;
   bool m_HasEnded = false;
   bool m_Told = false;  // why the process ends
+  std::string m_Why;
   std::string m_Stack;  // as the process reported it
   std::string m_Maps;
   int m_Signal = 0;  // that it reported it for

@@ -23,8 +23,12 @@ void Traffic::OnHint(const Step& step, const std::string& text) {
   for (TrafficSink* sink : m_Sinks) sink->OnHint(step, text);
 }
 
-void Traffic::OnEnd() {
-  for (TrafficSink* sink : m_Sinks) sink->OnEnd();
+void Traffic::OnPrinted(const Step& step, const std::string& line) {
+  for (TrafficSink* sink : m_Sinks) sink->OnPrinted(step, line);
+}
+
+void Traffic::OnEnd(const std::string& why) {
+  for (TrafficSink* sink : m_Sinks) sink->OnEnd(why);
 }
 
 void Traffic::OnStepEnd(const Step& step, const Reads& reads) {

@@ -39,8 +39,11 @@ class TrafficSink {
   // The step is over: its files are written and closed.
   virtual void OnStepEnd(const Step&, const Reads&) {}
 
-  // The driver is gone: no more comes.
-  virtual void OnEnd() {}
+  // A line that the driver has printed, made legible.
+  virtual void OnPrinted(const Step&, const std::string& /*line*/) {}
+
+  // The driver is gone: no more comes. `why` is empty when it ended as it should.
+  virtual void OnEnd(const std::string& /*why*/) {}
 };
 
 // Counts the records of a driver and hands all to its sinks, in the order in which these were
@@ -59,7 +62,8 @@ class Traffic : public TrafficSink {
   void OnLabel(unsigned long event, const std::string& label) override;
   void OnHint(const Step& step, const std::string& text) override;
   void OnStepEnd(const Step& step, const Reads& reads) override;
-  void OnEnd() override;
+  void OnPrinted(const Step& step, const std::string& line) override;
+  void OnEnd(const std::string& why) override;
 
  private:
   std::vector<TrafficSink*> m_Sinks;

@@ -8,18 +8,24 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-std::string Object(const char* key, Json value) {
-  return Json{{key, std::move(value)}}.dump(-1, ' ', false, Json::error_handler_t::replace);
+std::string Text(const Json& object) {
+  return object.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
 }  // namespace
 
-std::string RegisteredObject(const std::vector<std::string>& lines) {
-  return Object("registered", lines);
+std::string AboutObject(const About& about) {
+  return Text({{"registered", about.registered},
+               {"file", about.file},
+               {"reads", about.reads},
+               {"labels", about.labels},
+               {"notify", about.notify}});
 }
 
-std::string MissingObject(std::uint64_t count) { return Object("missing", count); }
+std::string EndObject(const std::string& why) { return Text({{"ended", "driver"}, {"text", why}}); }
 
-std::string ErrorObject(const std::string& text) { return Object("error", text); }
+std::string MissingObject(std::uint64_t count) { return Text({{"missing", count}}); }
+
+std::string ErrorObject(const std::string& text) { return Text({{"error", text}}); }
 
 }  // namespace driverhost

@@ -14,6 +14,7 @@ namespace {
 
 using Result = LineAnswer::Result;
 
+constexpr std::size_t s_MostNames = 1000;
 constexpr std::size_t s_MostCaused = std::size_t{16} << 20U;
 
 // The one line that a client sends, without the line break that may end it.
@@ -24,11 +25,23 @@ std::string_view LineOf(std::string_view body) {
   return body;
 }
 
+// "notify NAME"; empty for a line that is no message.
+std::string KindAndName(const session::Action& action) {
+  if (const auto* notify = std::get_if<session::Notify>(&action)) return "notify " + notify->name;
+  if (const auto* command = std::get_if<session::Command>(&action))
+    return "command " + command->name;
+  if (const auto* request = std::get_if<session::Request>(&action))
+    return "request " + request->name;
+  return {};
+}
+
 }  // namespace
 
-Page::Page(Loop& loop, const WebOptions& options, bool notify, Console& console, Deliver deliver)
+Page::Page(Loop& loop, const WebOptions& options, const std::string& driver, bool notify,
+           Console& console, Deliver deliver)
     : m_Notify(notify),
       m_Deliver(std::move(deliver)),
+      m_About{{}, driver, {}, {}, notify},
       m_ToLoop(loop.Context()),
       m_Server(options, [this](const std::string& line, Done done) {
         const auto step = std::make_shared<Step>();
@@ -43,7 +56,32 @@ void Page::OnStep(const Step& step) {
 }
 
 void Page::OnRegistered(const std::vector<std::string>& registered) {
-  m_Server.SetRegistered(registered);
+  m_About.registered = registered;
+  m_Server.SetAbout(m_About);
+}
+
+void Page::OnLabel(unsigned long event, const std::string& label) {
+  if (m_About.labels.size() >= s_MostNames) return;
+  m_About.labels[std::to_string(event)] = label;
+  m_Server.SetAbout(m_About);
+}
+
+void Page::OnHint(const Step& step, const std::string& text) {
+  m_Server.Send(TraceOf(step, "hint", text), {});
+}
+
+void Page::OnPrinted(const Step& step, const std::string& line) {
+  m_Server.Send(TraceOf(step, "driver", line), {});
+}
+
+// A page completes what it sends from what handlers read.
+void Page::Remember(const Step& step, const Reads& reads) {
+  const std::size_t known = m_ReadsKnown;
+  for (const Read& read : reads) {
+    if (m_ReadsKnown >= s_MostNames) break;
+    if (m_About.reads[KindAndName(step.line.action)].insert(read.name).second) ++m_ReadsKnown;
+  }
+  if (m_ReadsKnown > known) m_Server.SetAbout(m_About);
 }
 
 void Page::OnRecord(const Step& step, const session::Record& record) {
@@ -54,14 +92,18 @@ void Page::OnRecord(const Step& step, const session::Record& record) {
   m_Caused += (m_Caused.empty() ? "" : ",") + record.JsonOf(step.number);
 }
 
-void Page::OnStepEnd(const Step& step, const Reads&) {
+void Page::OnStepEnd(const Step& step, const Reads& reads) {
+  Remember(step, reads);
   if (step.from != From::Page) return;
   if (m_IsTooLong)
     return Answer({Result::Unavailable, "the answer is too long; the traffic has it"});
   Answer({Result::Done, '[' + m_Caused + ']'});
 }
 
-void Page::OnEnd() { Answer({Result::Unavailable, "the driver has ended"}); }
+void Page::OnEnd(const std::string& why) {
+  m_Server.Send(EndObject(why), {});
+  Answer({Result::Unavailable, "the driver has ended"});
+}
 
 void Page::Answer(LineAnswer answer) {
   m_IsTooLong = false;

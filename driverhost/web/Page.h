@@ -4,6 +4,7 @@
 #include "driverhost/io/Output.h"
 #include "driverhost/run/Traffic.h"
 #include "driverhost/web/Handover.h"
+#include "driverhost/web/Objects.h"
 #include "driverhost/web/WebServer.h"
 
 #include <functional>
@@ -21,14 +22,19 @@ class Page : public TrafficSink {
   using Deliver = std::function<bool(Step)>;
 
   // Says on the console where the page is. `deliver` is called from `loop`. With `notify`, the page
-  // may send notifications too. What is borrowed outlives the object. Throws as WebServer does.
-  Page(Loop& loop, const WebOptions& options, bool notify, Console& console, Deliver deliver);
+  // may send notifications too; `driver` is the plug-in's file. What is borrowed outlives the
+  // object. Throws as WebServer does.
+  Page(Loop& loop, const WebOptions& options, const std::string& driver, bool notify,
+       Console& console, Deliver deliver);
 
   void OnStep(const Step& step) override;
   void OnRecord(const Step& step, const session::Record& record) override;
   void OnRegistered(const std::vector<std::string>& registered) override;
+  void OnLabel(unsigned long event, const std::string& label) override;
+  void OnHint(const Step& step, const std::string& text) override;
+  void OnPrinted(const Step& step, const std::string& line) override;
   void OnStepEnd(const Step& step, const Reads& reads) override;
-  void OnEnd() override;
+  void OnEnd(const std::string& why) override;
 
  private:
   using Done = std::function<void(LineAnswer)>;
@@ -40,6 +46,7 @@ class Page : public TrafficSink {
   void Take(Step step, Done done);
   bool IsAllowed(const Step& step) const;
   void Answer(LineAnswer answer);
+  void Remember(const Step& step, const Reads& reads);
 
   const bool m_Notify;
   const Deliver m_Deliver;
@@ -47,6 +54,8 @@ class Page : public TrafficSink {
   Done m_Done;
   std::string m_Caused;  // its records
   bool m_IsTooLong = false;
+  About m_About;
+  std::size_t m_ReadsKnown = 0;
   Handover m_ToLoop;
   WebServer m_Server;
 };

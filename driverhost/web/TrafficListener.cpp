@@ -61,7 +61,7 @@ class TrafficListener : public WebClient, public std::enable_shared_from_this<Tr
 
   std::string m_Error;  // waits to be told
   ObjectStore::Place m_Place;
-  std::shared_ptr<const std::string> m_Registered;
+  std::shared_ptr<const std::string> m_About;
   // What is being told: an object of the store, or a text.
   bool m_Telling = false;
   ObjectStore::Object m_Object;
@@ -159,9 +159,9 @@ std::optional<asio::const_buffer> TrafficListener::Choose() {
     m_Text = ErrorObject(std::exchange(m_Error, {}));
     return asio::buffer(m_Text);
   }
-  if (m_Registered != m_Door.registered) {
-    m_Registered = m_Door.registered;
-    return asio::buffer(*m_Registered);
+  if (m_About != m_Door.about) {
+    m_About = m_Door.about;
+    return asio::buffer(*m_About);
   }
   m_Door.wanted = true;
   auto next = m_Door.store.Take(m_Place);

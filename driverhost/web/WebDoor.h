@@ -21,7 +21,7 @@ struct WebDoor {
   const WebRules rules;
   LineTurns turns;
   std::function<void(const std::shared_ptr<WebClient>&)> enter;  // in the place of one that leaves
-  std::shared_ptr<const std::string> registered;                 // as an object
+  std::shared_ptr<const std::string> about;                      // as an object
   ObjectStore store = {};
   Budget budget = {};
   std::atomic<bool> wanted = false;  // somebody has read all of the store

@@ -80,7 +80,7 @@ class WebServer::Core : public std::enable_shared_from_this<Core> {
                  Post(std::move(line), std::move(done));
                }),
                [this](const auto& client) { m_Clients.push_back(client); },
-               std::make_shared<const std::string>(RegisteredObject({}))},
+               std::make_shared<const std::string>(AboutObject({}))},
         m_Acceptor(Listen(m_Loop, options.address)) {}
 
   std::string Url() const {
@@ -96,7 +96,7 @@ class WebServer::Core : public std::enable_shared_from_this<Core> {
 
   // These may be called on any thread.
   void Send(std::string_view head, std::string_view rest) noexcept;
-  void SetRegistered(std::shared_ptr<const std::string> object);
+  void SetAbout(std::shared_ptr<const std::string> object);
   void End();
 
  private:
@@ -206,9 +206,9 @@ void WebServer::Core::Send(std::string_view head, std::string_view rest) noexcep
   }
 }
 
-void WebServer::Core::SetRegistered(std::shared_ptr<const std::string> object) {
+void WebServer::Core::SetAbout(std::shared_ptr<const std::string> object) {
   m_Handover.Post([this, object = std::move(object)] {
-    m_Door.registered = object;
+    m_Door.about = object;
     WakeAll();
   });
 }
@@ -243,8 +243,8 @@ void WebServer::Send(std::string_view head, std::string_view rest) noexcept {
   m_Core->Send(head, rest);
 }
 
-void WebServer::SetRegistered(const std::vector<std::string>& lines) {
-  m_Core->SetRegistered(std::make_shared<const std::string>(RegisteredObject(lines)));
+void WebServer::SetAbout(const About& about) {
+  m_Core->SetAbout(std::make_shared<const std::string>(AboutObject(about)));
 }
 
 }  // namespace driverhost

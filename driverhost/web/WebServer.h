@@ -1,6 +1,7 @@
 #pragma once
 
 #include "driverhost/web/LineTurns.h"
+#include "driverhost/web/Objects.h"
 
 #include <boost/asio/ip/tcp.hpp>
 
@@ -8,7 +9,6 @@
 #include <string>
 #include <string_view>
 #include <thread>
-#include <vector>
 
 namespace driverhost {
 
@@ -42,7 +42,7 @@ class WebServer {
   void Send(std::string_view head, std::string_view rest) noexcept;
 
   // What is told first to all who listen, and again when it changes.
-  void SetRegistered(const std::vector<std::string>& lines);
+  void SetAbout(const About& about);
 
  private:
   class Core;
