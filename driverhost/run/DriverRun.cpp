@@ -375,7 +375,7 @@ void DriverRun::OnTimer() {
   const bool owes = !m_Owed.empty() || m_Phase == Phase::Unloading || m_Phase == Phase::Unloaded;
   if (m_HasEnded || !owes) return;
   const auto left = m_OwedSince + std::chrono::duration<double>(m_Seconds) - Clock::now();
-  if (left > left.zero()) return StartTimer();
+  if (left.count() > 0) return StartTimer();
   if (m_Process->HasUnread()) {
     m_OwedSince += s_ForUnread;
     return StartTimer();

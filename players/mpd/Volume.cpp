@@ -15,15 +15,15 @@ Params Volume::Params() const {
           {"mute", m_Volume == 0 && m_Muted ? "True" : "False"}};
 }
 
-void Volume::Set(int volume, Ended ended) { Ask(volume, {}, std::move(ended)); }
+void Volume::Set(int volume, const Ended& ended) { Ask(volume, {}, ended); }
 
-void Volume::Mute(bool on, Ended ended) {
+void Volume::Mute(bool on, const Ended& ended) {
   if (on == m_Muted.has_value()) return ended({});
-  if (on) return Ask(0, m_Volume, std::move(ended));
-  Ask(*m_Muted, {}, std::move(ended));
+  if (on) return Ask(0, m_Volume, ended);
+  Ask(*m_Muted, {}, ended);
 }
 
-void Volume::Ask(int volume, std::optional<int> muted, Ended ended) {
+void Volume::Ask(int volume, std::optional<int> muted, const Ended& ended) {
   m_Link.AskNext(
       {"setvol " + std::to_string(volume), {}, [this, muted, ended](const Outcome& outcome) {
          if (outcome.Done()) {

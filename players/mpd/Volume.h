@@ -22,11 +22,11 @@ class Volume {
   // For VOLUME_CHANGED.
   mpdplayer::Params Params() const;
 
-  void Set(int volume, Ended ended);
-  void Mute(bool on, Ended ended);
+  void Set(int volume, const Ended& ended);
+  void Mute(bool on, const Ended& ended);
 
  private:
-  void Ask(int volume, std::optional<int> muted, Ended ended);
+  void Ask(int volume, std::optional<int> muted, const Ended& ended);
 
   Link& m_Link;
   std::function<void()> m_OnMute;

@@ -71,7 +71,8 @@ struct WrongSetting : std::runtime_error {
 
 // libmpdclient takes what is no number for none.
 void CheckNumber(const char* name, int most) {
-  const std::string text = std::getenv(name) ? std::getenv(name) : "";
+  const char* const set = std::getenv(name);
+  const std::string text = set ? set : "";
   int number = 0;
   const char* const end = text.data() + text.size();
   const auto [stop, fault] = std::from_chars(text.data(), end, number);
