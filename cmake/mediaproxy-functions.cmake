@@ -15,16 +15,18 @@ function(mediaproxy_add_driver name)
     LINKER:-z,relro LINKER:-z,now LINKER:--as-needed LINKER:--version-script=${exports})
 endfunction()
 
-# mediaproxy_add_cases(NAME CASE...): a test for each case, case_NAME_STEM, which plays it into that driver. None where
-# the bench is not installed.
+# mediaproxy_add_cases(NAME CASE... [OPTIONS OPTION...]): a test for each case, case_NAME_STEM, which plays it into that
+# driver, with these options of `driverhost check`. None where the bench is not installed.
 function(mediaproxy_add_cases name)
   if(NOT TARGET mediaproxy::driverhost)
     message(STATUS "There is no driverhost: the cases of ${name} are not played.")
     return()
   endif()
-  foreach(case ${ARGN})
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" OPTIONS)
+  foreach(case ${arg_UNPARSED_ARGUMENTS})
     cmake_path(GET case STEM stem)
     cmake_path(ABSOLUTE_PATH case)
-    add_test(NAME case_${name}_${stem} COMMAND mediaproxy::driverhost check --driver $<TARGET_FILE:${name}> ${case})
+    add_test(NAME case_${name}_${stem}
+      COMMAND mediaproxy::driverhost check ${arg_OPTIONS} --driver $<TARGET_FILE:${name}> ${case})
   endforeach()
 endfunction()
