@@ -52,25 +52,25 @@ class Played:
 
 class Misbehaviour(unittest.TestCase):
     def expect_all(self, rows):
-        """Rows of how it is played, what the driver does, what is told and the exit status."""
+        """Rows of how it is played, what the driver does, what is told and the exit statuses that may be."""
         with concurrent.futures.ThreadPoolExecutor(6) as pool:
             plays = [(*row, pool.submit(Played, row[0], row[1])) for row in rows]
             for mode, misbehaviour, words, status, play in plays:
                 with self.subTest(mode, misbehaviour=misbehaviour):
                     played = play.result()
                     self.assertRegex(played.error + played.out, words)
-                    self.assertEqual(played.status, status, played.error)
+                    self.assertIn(played.status, status, played.error)
 
     def test_each_end_at_each_moment(self):
         def told(moment, act, words):
             if act in ('THROW', 'THROW WORDS', 'END THREAD') and moment in NOEXCEPT:
                 words = r'the driver (crashed \(SIGABRT\) |ended its process \()' if moment != 'thread' else 'ACT' if act == 'END THREAD' else r'the driver crashed \(SIGABRT\) '
             return words + re.escape(MOMENTS[moment]) if words[-1] == ' ' else words
-        self.expect_all([('replay', f'{moment} {act}', told(moment, act, words), 0 if (moment, act) == ('thread', 'END THREAD') else 1)
+        self.expect_all([('replay', f'{moment} {act}', told(moment, act, words), {0} if (moment, act) == ('thread', 'END THREAD') else {1})
                          for moment in MOMENTS for act, words in ENDS.items()])
 
     def test_each_end_in_each_mode(self):
-        self.expect_all([(mode, f'request {act}', words, 1) for mode in MODES for act, words in ENDS.items()])
+        self.expect_all([(mode, f'request {act}', words, {1}) for mode in MODES for act, words in ENDS.items()])
 
     def test_the_traffic_before_an_end_is_told(self):
         for mode in ('replay --json', 'live --json'):
@@ -79,9 +79,9 @@ class Misbehaviour(unittest.TestCase):
                     self.assertIn('{"step":3,"to":"answer","request":"ACT","xml":"<ANSWER/>"}\n', Played(mode, f'state {act}').out)
 
     def test_what_is_left_is_named_and_ends_nothing(self):
-        self.expect_all([('replay --trace', f'{moment} {act}', f'hint: the driver has left {words}', 0)
-                         for moment in ('constructor', 'request', 'state') for act, words in LEFT.items() if act != 'THREAD'])
-        self.expect_all([('replay --trace', 'request THREAD', 'hint: the driver has left a thread', 1)])
+        # A thread that wakes when the library is gone crashes.
+        self.expect_all([('replay --trace', f'{moment} {act}', f'hint: the driver has left {words}', {0, 1} if act == 'THREAD' else {0})
+                         for moment in ('constructor', 'request', 'state') for act, words in LEFT.items()])
         played = Played('replay', 'request PRINT')
         for line in ('driver: \\\\x1Bprinted\n', 'driver: told\n', '-:[123]: hint: the driver writes to standard output\n'):
             self.assertRegex(played.error, line)
