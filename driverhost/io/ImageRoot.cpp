@@ -2,12 +2,16 @@
 
 #include "driverhost/io/Guardian.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <random>
 #include <stdexcept>
+#include <string_view>
 
 namespace driverhost {
 
@@ -15,14 +19,26 @@ namespace fs = std::filesystem;
 
 namespace {
 
+constexpr std::string_view s_Letters =
+    "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+
+// Guarded before it is there, so that whoever kills the program in between leaves nothing behind.
 std::string MakeTemporary() {
   const char* parent = std::getenv("TMPDIR");
-  std::string path = (parent && *parent) ? parent : "/tmp";
-  path += "/driverhost-XXXXXX";
-  if (!mkdtemp(path.data())) {
-    throw std::runtime_error("cannot make a directory " + path + ": " + std::strerror(errno));
+  const std::string start = std::string((parent && *parent) ? parent : "/tmp") + "/driverhost-";
+  for (std::random_device random;;) {
+    std::string path = start;
+    for (int at = 0; at < 6; ++at) path += s_Letters[random() % s_Letters.size()];
+    path += '/';
+    GuardDirectory(path);
+    if (mkdir(path.c_str(), 0700) == 0) return path;
+    const int error = errno;
+    LeaveDirectory(path);
+    if (error != EEXIST) {
+      throw std::runtime_error("cannot make a directory " + start +
+                               "XXXXXX: " + std::strerror(error));
+    }
   }
-  return path;
 }
 
 }  // namespace
@@ -32,7 +48,6 @@ ImageRoot::ImageRoot(const std::string& asked)
   std::error_code ignored;
   fs::create_directories(m_Path, ignored);
   if (m_Path.back() != '/') m_Path += '/';
-  if (m_Temporary) GuardDirectory(m_Path);
 }
 
 ImageRoot::~ImageRoot() {
