@@ -40,17 +40,6 @@ bool IsRestart(const Step& step) {
   return std::holds_alternative<session::Restart>(step.line.action);
 }
 
-// The kind and the name of a message; empty for any other line.
-std::string MessageOf(const session::Action& action) {
-  if (const auto* notify = std::get_if<session::Notify>(&action))
-    return "notification " + notify->name;
-  if (const auto* command = std::get_if<session::Command>(&action))
-    return "command " + command->name;
-  if (const auto* request = std::get_if<session::Request>(&action))
-    return "request " + request->name;
-  return {};
-}
-
 }  // namespace
 
 DriverRun::DriverRun(Loop& loop, const DriverProcessOptions& options, double seconds,
@@ -130,7 +119,7 @@ void DriverRun::BeginStep() {
   m_BytesOfStep = 0;
   m_OwedSince = Clock::now();
   m_Owed.front().at = SecondsSinceStart();
-  const auto known = m_LastReads.find(MessageOf(m_Owed.front().line.action));
+  const auto known = m_LastReads.find(NameOfMessage(m_Owed.front().line.action));
   m_Reads = known == m_LastReads.end() ? Reads() : known->second;
   m_Traffic.OnStep(m_Owed.front());
   if (IsRestart(m_Owed.front())) ContinueRestart();
@@ -261,7 +250,7 @@ void DriverRun::OnReport(std::string_view line) {
       m_Reads.push_back({name, has});
     }
     if (m_LastReads.size() < s_MostNames) {
-      m_LastReads[MessageOf(m_Owed.at(0).line.action)] = m_Reads;
+      m_LastReads[NameOfMessage(m_Owed.at(0).line.action)] = m_Reads;
     }
   } else if (kind == "label") {
     m_Traffic.OnLabel(report.at("event").get<unsigned long>(), value.get<std::string>());

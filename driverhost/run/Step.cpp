@@ -14,6 +14,15 @@ const auto s_ProgramBegan = std::chrono::steady_clock::now();
 
 }  // namespace
 
+std::string NameOfMessage(const session::Action& action) {
+  if (const auto* notify = std::get_if<session::Notify>(&action)) return "notify " + notify->name;
+  if (const auto* command = std::get_if<session::Command>(&action))
+    return "command " + command->name;
+  if (const auto* request = std::get_if<session::Request>(&action))
+    return "request " + request->name;
+  return {};
+}
+
 double SecondsSinceStart() {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - s_ProgramBegan).count();
 }

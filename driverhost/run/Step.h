@@ -22,6 +22,9 @@ struct Step {
   double at = 0;            // when it began, in seconds since the program's start
 };
 
+// "notify NAME", "command NAME", "request NAME"; empty for a line that is no message.
+std::string NameOfMessage(const session::Action& action);
+
 // Now.
 double SecondsSinceStart();
 

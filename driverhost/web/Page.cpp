@@ -25,16 +25,6 @@ std::string_view LineOf(std::string_view body) {
   return body;
 }
 
-// "notify NAME"; empty for a line that is no message.
-std::string KindAndName(const session::Action& action) {
-  if (const auto* notify = std::get_if<session::Notify>(&action)) return "notify " + notify->name;
-  if (const auto* command = std::get_if<session::Command>(&action))
-    return "command " + command->name;
-  if (const auto* request = std::get_if<session::Request>(&action))
-    return "request " + request->name;
-  return {};
-}
-
 }  // namespace
 
 Page::Page(Loop& loop, const WebOptions& options, const std::string& driver, bool notify,
@@ -79,7 +69,7 @@ void Page::Remember(const Step& step, const Reads& reads) {
   const std::size_t known = m_ReadsKnown;
   for (const Read& read : reads) {
     if (m_ReadsKnown >= s_MostNames) break;
-    if (m_About.reads[KindAndName(step.line.action)].insert(read.name).second) ++m_ReadsKnown;
+    if (m_About.reads[NameOfMessage(step.line.action)].insert(read.name).second) ++m_ReadsKnown;
   }
   if (m_ReadsKnown > known) m_Server.SetAbout(m_About);
 }
