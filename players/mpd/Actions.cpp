@@ -2,8 +2,6 @@
 
 #include "players/mpd/Id.h"
 
-#include <utility>
-
 namespace mpdplayer {
 
 const Actions::Row* Actions::Find(const std::string& verb) {
@@ -29,31 +27,31 @@ std::vector<ItemTexts> Actions::For(const std::string& id) {
   return items;
 }
 
-void Actions::Do(const std::string& id, Ended ended) {
+void Actions::Do(const std::string& id, const Ended& ended) {
   const auto [verb, subject] = SplitId(id);
-  (this->*Find(verb)->handler)(subject, std::move(ended));
+  (this->*Find(verb)->handler)(subject, ended);
 }
 
-void Actions::Now(const std::string& id, Ended ended) {
-  m_Queue.Add(id, Queue::Where::Now, std::move(ended));
+void Actions::Now(const std::string& id, const Ended& ended) {
+  m_Queue.Add(id, Queue::Where::Now, ended);
 }
 
-void Actions::Next(const std::string& id, Ended ended) {
-  m_Queue.Add(id, Queue::Where::Next, std::move(ended));
+void Actions::Next(const std::string& id, const Ended& ended) {
+  m_Queue.Add(id, Queue::Where::Next, ended);
 }
 
-void Actions::End(const std::string& id, Ended ended) {
-  m_Queue.Add(id, Queue::Where::End, std::move(ended));
+void Actions::End(const std::string& id, const Ended& ended) {
+  m_Queue.Add(id, Queue::Where::End, ended);
 }
 
-void Actions::Remove(const std::string& id, Ended ended) { m_Queue.Remove(id, std::move(ended)); }
+void Actions::Remove(const std::string& id, const Ended& ended) { m_Queue.Remove(id, ended); }
 
-void Actions::Clear(const std::string&, Ended ended) {
-  m_Link.AskNext({"clear", {}, std::move(ended)});
+void Actions::Clear(const std::string&, const Ended& ended) {
+  m_Link.AskNext({"clear", {}, ended});
 }
 
-void Actions::Switch(const std::string& output, Ended ended) {
-  m_Link.AskNext({"toggleoutput " + Argument(output), {}, std::move(ended)});
+void Actions::Switch(const std::string& output, const Ended& ended) {
+  m_Link.AskNext({"toggleoutput " + Argument(output), {}, ended});
 }
 
 }  // namespace mpdplayer

@@ -21,19 +21,19 @@ class Actions {
   static std::vector<ItemTexts> For(const std::string& id);
 
   // Throws std::invalid_argument when it cannot be done with that item.
-  void Do(const std::string& id, Ended ended);
+  void Do(const std::string& id, const Ended& ended);
 
  private:
-  void Now(const std::string& id, Ended ended);
-  void Next(const std::string& id, Ended ended);
-  void End(const std::string& id, Ended ended);
-  void Remove(const std::string& id, Ended ended);
-  void Clear(const std::string& id, Ended ended);
-  void Switch(const std::string& output, Ended ended);
+  void Now(const std::string& id, const Ended& ended);
+  void Next(const std::string& id, const Ended& ended);
+  void End(const std::string& id, const Ended& ended);
+  void Remove(const std::string& id, const Ended& ended);
+  void Clear(const std::string& id, const Ended& ended);
+  void Switch(const std::string& output, const Ended& ended);
 
   struct Row {
     const char* verb;
-    void (Actions::*handler)(const std::string& id, Ended ended);
+    void (Actions::*handler)(const std::string& id, const Ended& ended);
   };
   static const Row* Find(const std::string& verb);
 

@@ -60,15 +60,15 @@ Outcome Refusal(const char* why) { return {Outcome::Kind::Refused, why}; }
 
 }  // namespace
 
-void Queue::Play(const std::string& id, Ended ended) {
+void Queue::Play(const std::string& id, const Ended& ended) {
   const auto [kind, value] = SplitId(id);
-  if (kind == "track:") return PlayTrack(id, std::move(ended));
+  if (kind == "track:") return PlayTrack(id, ended);
   if (kind == "queue:") {
     const QueueItem item = ReadQueueId(value);
-    return PlayHere(item, CommandFor("song:" + item.uri), std::move(ended));
+    return PlayHere(item, CommandFor("song:" + item.uri), ended);
   }
-  if (kind != "song:") return Add(id, Where::Now, std::move(ended));
-  PlayHere({{}, {}, value}, CommandFor(id), std::move(ended));
+  if (kind != "song:") return Add(id, Where::Now, ended);
+  PlayHere({{}, {}, value}, CommandFor(id), ended);
 }
 
 void Queue::PlayHere(const QueueItem& item, AddCommand otherwise, const Ended& ended) {
@@ -102,9 +102,9 @@ void Queue::PlayTrack(const std::string& id, const Ended& ended) {
        })});
 }
 
-void Queue::Add(const std::string& id, Where where, Ended ended) {
-  if (SplitId(id).first == "queue:") return MoveItem(id, where, std::move(ended));
-  Insert(CommandFor(id), where, where == Where::Now, std::move(ended));
+void Queue::Add(const std::string& id, Where where, const Ended& ended) {
+  if (SplitId(id).first == "queue:") return MoveItem(id, where, ended);
+  Insert(CommandFor(id), where, where == Where::Now, ended);
 }
 
 Queue::AddCommand Queue::CommandFor(const std::string& id) {
@@ -162,8 +162,8 @@ void Queue::Move(const std::string& id, std::size_t to, const Ended& ended) {
       ended);
 }
 
-void Queue::MoveItem(const std::string& id, Where where, Ended ended) {
-  if (where == Where::Now) return Play(id, std::move(ended));
+void Queue::MoveItem(const std::string& id, Where where, const Ended& ended) {
+  if (where == Where::Now) return Play(id, ended);
   LocateItem(
       id,
       [this, where, ended](const Song& song) {
@@ -180,30 +180,29 @@ void Queue::MoveItem(const std::string& id, Where where, Ended ended) {
       ended);
 }
 
-void Queue::Ask(const std::string& command, Ended ended) {
-  m_Link.AskNext({command, {}, std::move(ended)});
+void Queue::Ask(const std::string& command, const Ended& ended) {
+  m_Link.AskNext({command, {}, ended});
 }
 
-void Queue::AskExtent(std::function<void(Extent extent)> then, Ended ended) {
+void Queue::AskExtent(std::function<void(Extent extent)> then, const Ended& ended) {
   const auto extent = std::make_shared<std::pair<std::size_t, std::string>>();
   m_Link.AskNext({"status",
                   [extent](std::string_view name, std::string_view value) {
                     if (name == "playlistlength") extent->first = Number(value);
                     if (name == "song") extent->second = value;
                   },
-                  Then(std::move(ended), [extent, then = std::move(then)] {
+                  Then(ended, [extent, then = std::move(then)] {
                     const auto& [length, song] = *extent;
                     then({length, song.empty() ? length : Number(song)});
                   })});
 }
 
-void Queue::Locate(const QueueItem& item, OnFound then, Ended ended) {
+void Queue::Locate(const QueueItem& item, OnFound then, const Ended& ended) {
   const auto songs = std::make_shared<Songs>();
   m_Link.AskNext(
       {"playlistfind file " + Argument(item.uri),
        [songs](std::string_view name, std::string_view value) { songs->Take(name, value); },
-       Then(std::move(ended),
-            [songs, item, then = std::move(then)] { then(Nearest(songs->all, item)); })});
+       Then(ended, [songs, item, then = std::move(then)] { then(Nearest(songs->all, item)); })});
 }
 
 void Queue::LocateItem(const std::string& id, OnFound then, const Ended& ended) {

@@ -19,10 +19,10 @@ class Queue {
   explicit Queue(Link& link) : m_Link(link) {}
 
   // A song is played where it stands in the queue, or from its end; all else as Add with Now.
-  void Play(const std::string& id, Ended ended);
+  void Play(const std::string& id, const Ended& ended);
 
   // An item of the queue is moved, or just played.
-  void Add(const std::string& id, Where where, Ended ended);
+  void Add(const std::string& id, Where where, const Ended& ended);
 
   void Remove(const std::string& id, const Ended& ended);
   void Move(const std::string& id, std::size_t to, const Ended& ended);
@@ -43,12 +43,12 @@ class Queue {
   void Insert(AddCommand command, Where where, bool play, const Ended& ended);
   void InsertAt(const AddCommand& command, Extent extent, std::size_t place, bool play,
                 const Ended& ended);
-  void MoveItem(const std::string& id, Where where, Ended ended);
-  void Ask(const std::string& command, Ended ended);
-  void AskExtent(std::function<void(Extent extent)> then, Ended ended);
+  void MoveItem(const std::string& id, Where where, const Ended& ended);
+  void Ask(const std::string& command, const Ended& ended);
+  void AskExtent(std::function<void(Extent extent)> then, const Ended& ended);
 
   // The song found has no id if it is not there.
-  void Locate(const QueueItem& item, OnFound then, Ended ended);
+  void Locate(const QueueItem& item, OnFound then, const Ended& ended);
 
   // The same for an item's id, and it is an error when it is not there.
   void LocateItem(const std::string& id, OnFound then, const Ended& ended);
